@@ -1,0 +1,57 @@
+#pragma once
+#include "app/cleanup_settings.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quillon {
+
+enum class Buttons { Ok, YesNo, YesNoCancel };
+enum class Icon { None, Information, Question, Warning, Critical };
+enum class Answer { Ok, Yes, No, Cancel };
+
+// Flags of a file request, with the values of the classic common dialog.
+enum FileFlags : unsigned {
+    PromptOverwrite = 0x2,
+    HideReadOnly = 0x4,
+    FileMustExist = 0x1000,
+};
+
+struct FileRequest {
+    std::string filter;     // "description|pattern|description|pattern..."
+    int filterIndex = 1;    // 1-based
+    std::string initialFolder;
+    std::string defaultExtension;
+    unsigned flags = 0;
+};
+
+// What the loop-fixing dialog returns: 0 Accept, 1 Cancel, 2 Skip, with the edited texts.
+struct LoopFix {
+    int status = 2;
+    std::string text;
+    std::string result;
+};
+
+// Every question, message, input box, file dialog and modal form a command needs. The window
+// implements it with real dialogs, tests with scripted answers, the command line from its flags.
+// An empty title means the application's own title.
+class Dialogs {
+public:
+    virtual ~Dialogs() = default;
+    virtual Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) = 0;
+    // The typed text; empty when cancelled.
+    virtual std::string input(const std::string& prompt, const std::string& title, const std::string& defaultText) = 0;
+    // A chosen path; empty when cancelled.
+    virtual std::string openFile(const FileRequest& request) = 0;
+    virtual std::string saveFile(const FileRequest& request) = 0;
+    // Edits one response within the game's length limit; returns the text to keep.
+    virtual std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) = 0;
+    virtual LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
+                            const std::string& result, std::int32_t choice) = 0;
+    virtual void editOptions(CleanupSettings& settings) = 0;
+    virtual void about() = 0;
+    // Shows the log at once, before long work starts.
+    virtual void refreshLog() = 0;
+};
+
+} // namespace quillon

@@ -1,0 +1,125 @@
+#include "app/file_commands.h"
+
+#include "records/es_read.h"
+#include "writer/es_write.h"
+
+#include <cstdio>
+
+namespace quillon {
+
+const char* const kOpenDataFilter =
+    "Elder Scrolls Data File (*.ESP, *.ESM, *.ESS, *.ESD)|*.ESM;*.ESP;*.ESS;*.ESD|Elder Scrolls Master File "
+    "(*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File (*.ESS)|*.ESS| All Files "
+    "(*.*)| *.*";
+const char* const kSaveDataFilter =
+    "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File "
+    "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD| All Files (*.*)| *.*";
+
+void Open(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.flags = HideReadOnly | FileMustExist;
+    request.filter = kOpenDataFilter;
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.openFile(request);
+    if (trimBlanks(path).empty()) return;
+    session.openFolder = path.substr(0, path.size() - std::min(path.size(), bareName(path).size() + 1));
+    openPath(session, dialogs, path);
+}
+
+double openPath(Session& session, Dialogs& dialogs, const std::string& path) {
+    std::string name = bareName(path);
+    session.log.LogLine("-Reading \"" + name + "\"...");
+    dialogs.refreshLog();
+    std::int32_t recordCount = 0;
+    DialogPrompts prompts(dialogs);
+    ReadDiagnostics diagnostics;
+    double ms = ReadESFile(session.store, path, recordCount, false, prompts, &diagnostics);
+    session.currentPath = path;
+    if (ms < 0) {
+        session.log.LogLine("-Failed reading \"" + name + "\".");
+    } else {
+        std::int32_t expected = session.store.TES3.empty() ? 0 : session.store.TES3.front().NumRecords;
+        std::string line = "-Read " + std::to_string(recordCount) + " records from \"" + name +
+                           "\" successfully in " + formatSeconds(ms) + " seconds.";
+        // The count read includes the header; the header's own count does not.
+        if (recordCount - 1 != expected) line += " File should contain " + std::to_string(expected) + " record(s).";
+        session.log.LogLine(line);
+        if (diagnostics.truncated)
+            session.log.LogLine("-Warning: \"" + name + "\" ends inside a record; its last record is incomplete.");
+    }
+    if (recordCount > 0) {
+        session.fileGroupEnabled = true;
+        session.counts.ResetRecordCounts();
+        // Counts are shown before the trim, on purpose.
+        session.counts.ShowRecordCounts(session.store, recordCount);
+        TrimRecords(session.store);
+    }
+    return ms;
+}
+
+void Close(Session& session) {
+    ClearRecords(session.store);
+    session.counts.ResetRecordCounts();
+    session.fileGroupEnabled = false;
+    session.log.LogLine("-Closed \"" + bareName(session.currentPath) + "\" successfully.");
+    session.currentPath.clear();
+}
+
+void Exit(Session& session) {
+    ClearRecords(session.store);
+    TrimRecords(session.store);
+}
+
+namespace {
+
+// Writes the store to path and logs the outcome; failureLine is the command's own failure text.
+bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
+    std::string name = bareName(path);
+    // The header's count comes from the displayed total, not from the store.
+    auto recordCount = std::int32_t(session.counts.number(kTotalLabel));
+    DialogPrompts prompts(dialogs);
+    WriteResult result = WriteESFile(session.store, path, recordCount, prompts);
+    if (result.status == WriteResult::Failed) {
+        session.log.LogLine(failureLine);
+        dialogs.message("\"" + name + "\" could not be written: " + result.error + ". The file on disk is unchanged.",
+                        Buttons::Ok, Icon::Critical, "");
+        return false;
+    }
+    // A declined savegame question still logs the finishing line, with no time.
+    session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
+                        std::to_string(session.counts.number(kTotalLabel)) + " records have been written.");
+    return true;
+}
+
+} // namespace
+
+bool Save(Session& session, Dialogs& dialogs) {
+    session.log.LogLine("-Writing \"" + bareName(session.currentPath) + "\"...");
+    dialogs.refreshLog();
+    return writeAndReport(session, dialogs, session.currentPath, "-An error occured. Nothing has been written.");
+}
+
+bool SaveAs(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.flags = PromptOverwrite;
+    request.filter = kSaveDataFilter;
+    request.filterIndex = 2;
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.saveFile(request);
+    if (trimBlanks(path).empty()) return false;
+    return saveAsPath(session, dialogs, path);
+}
+
+bool saveAsPath(Session& session, Dialogs& dialogs, const std::string& path) {
+    // The chosen file is created (empty) before writing, as an open-and-close would.
+    if (std::FILE* f = std::fopen(path.c_str(), "ab")) std::fclose(f);
+    // The full path rather than the bare title: a later Save must reach the same file whatever
+    // the working folder is.
+    session.currentPath = path;
+    session.log.LogLine("-Writing \"" + bareName(path) + "\"...");
+    dialogs.refreshLog();
+    session.openFolder = folderOf(path);
+    return writeAndReport(session, dialogs, path, "-Nothing has been written.");
+}
+
+} // namespace quillon

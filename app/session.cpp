@@ -1,0 +1,39 @@
+#include "app/session.h"
+
+#include <cstdio>
+
+namespace quillon {
+
+std::string bareName(const std::string& path) {
+    std::size_t cut = path.find_last_of("/\\");
+    return cut == std::string::npos ? path : path.substr(cut + 1);
+}
+
+std::string folderOf(const std::string& path) {
+    std::size_t cut = path.find_last_of("/\\");
+    return cut == std::string::npos ? std::string() : path.substr(0, cut);
+}
+
+std::string formatSeconds(double ms) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.3f", ms / 1000.0);
+    return text;
+}
+
+std::string trimBlanks(const std::string& text) {
+    std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+void DialogPrompts::tell(const std::string& text) { dialogs_.message(text, Buttons::Ok, Icon::None, ""); }
+
+Reply DialogPrompts::ask(const std::string& text, bool withCancel) {
+    switch (dialogs_.message(text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {
+    case Answer::Yes: return Reply::Yes;
+    case Answer::Cancel: return Reply::Cancel;
+    default: return Reply::No;
+    }
+}
+
+} // namespace quillon

@@ -1,0 +1,46 @@
+#pragma once
+#include "app/cleanup_settings.h"
+#include "app/dialogs.h"
+#include "app/log.h"
+#include "app/record_counts.h"
+#include "records/prompts.h"
+#include "records/record_store.h"
+
+#include <string>
+
+namespace quillon {
+
+// Everything the main window holds for one working session on one data file.
+struct Session {
+    RecordStore store;
+    std::string currentPath; // full path of the open file; empty when none is open
+    Log log;
+    RecordCounts counts;
+    // The file-dependent buttons and menu entries, always switched together.
+    bool fileGroupEnabled = false;
+    CleanupSettings settings;
+    std::string openFolder; // where the next file dialog starts
+    std::string codePage = "windows-1252"; // how the window shows the file's texts
+};
+
+// The file-name part of a path, either separator accepted.
+std::string bareName(const std::string& path);
+// The path less its file name and the separator before it.
+std::string folderOf(const std::string& path);
+// Milliseconds as seconds with three decimals ("0.047").
+std::string formatSeconds(double ms);
+// Text with leading and trailing blanks removed.
+std::string trimBlanks(const std::string& text);
+
+// Reading and writing questions, put to the user through a command's dialogs.
+class DialogPrompts : public Prompts {
+public:
+    explicit DialogPrompts(Dialogs& dialogs) : dialogs_(dialogs) {}
+    void tell(const std::string& text) override;
+    Reply ask(const std::string& text, bool withCancel) override;
+
+private:
+    Dialogs& dialogs_;
+};
+
+} // namespace quillon

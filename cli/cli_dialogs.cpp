@@ -1,0 +1,77 @@
+#include "cli/cli_dialogs.h"
+
+#include <iostream>
+#include <utility>
+
+namespace quillon {
+
+std::string forTerminal(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        out += text[i];
+    }
+    return out;
+}
+
+namespace {
+
+bool startsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
+
+} // namespace
+
+Answer CliDialogs::unknownRecord(const std::string& text) {
+    switch (unknown) {
+    case Unknown::Yes: return Answer::Yes;
+    case Unknown::No: return Answer::No;
+    case Unknown::YesToAll: return Answer::Cancel;
+    case Unknown::Default:
+        std::cerr << "quillon: warning: " << forTerminal(text)
+                  << "\nquillon: keeping it and every further record of unknown type (choose with --unknown=)\n";
+        return Answer::Cancel;
+    case Unknown::Ask:
+        break;
+    }
+    std::cerr << forTerminal(text) << "\n[y]es, [n]o, [a]ll? ";
+    std::string reply;
+    if (!std::getline(std::cin, reply)) throw CliError("no answer to the unknown-record question");
+    if (!reply.empty() && (reply[0] == 'n' || reply[0] == 'N')) return Answer::No;
+    if (!reply.empty() && (reply[0] == 'a' || reply[0] == 'A')) return Answer::Cancel;
+    return Answer::Yes;
+}
+
+Answer CliDialogs::message(const std::string& text, Buttons buttons, Icon, const std::string&) {
+    if (startsWith(text, "Unknown record encountered")) return unknownRecord(text);
+    if (startsWith(text, "Writing ESS files")) {
+        if (yes) return Answer::Yes;
+        throw CliError("the target is a savegame; writing one is likely to give an unusable file (add --yes to "
+                       "write it all the same)");
+    }
+    if (buttons == Buttons::Ok) {
+        std::cerr << "quillon: " << forTerminal(text) << "\n";
+        return Answer::Ok;
+    }
+    if (answer) return answer(text, buttons);
+    throw CliError("no answer on the command line to: " + forTerminal(text));
+}
+
+std::string CliDialogs::input(const std::string& prompt, const std::string&, const std::string&) {
+    if (inputAnswer) return inputAnswer(prompt);
+    throw CliError("no answer on the command line to: " + forTerminal(prompt));
+}
+
+std::string CliDialogs::openFile(const FileRequest&) { return std::exchange(openPath, {}); }
+std::string CliDialogs::saveFile(const FileRequest&) { return std::exchange(savePath, {}); }
+
+std::string CliDialogs::editResponse(const std::string& actor, const std::string& topic, const std::string& text) {
+    if (edit) return edit(actor, topic, text);
+    throw CliError("a response needs editing by hand, which the command line cannot do");
+}
+
+LoopFix CliDialogs::fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
+                            const std::string& result, std::int32_t choice) {
+    if (loopFix) return loopFix(actor, topic, text, result, choice);
+    return {2, text, result};
+}
+
+} // namespace quillon

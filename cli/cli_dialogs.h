@@ -1,0 +1,49 @@
+#pragma once
+#include "app/dialogs.h"
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace quillon {
+
+// A command could not go on without an answer the command line does not have.
+struct CliError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Answers a command's questions from the command line's flags; messages go to standard error.
+class CliDialogs : public Dialogs {
+public:
+    enum class Unknown { Ask, Yes, No, YesToAll, Default };
+    Unknown unknown = Unknown::Default;
+    bool yes = false;          // answers the savegame question
+    std::string openPath;      // the answer to the next open dialog
+    std::string savePath;      // the answer to the next save dialog
+    // Answers to a command's own questions; unset questions stop the command with a CliError.
+    std::function<Answer(const std::string& text, Buttons)> answer;
+    std::function<std::string(const std::string& prompt)> inputAnswer;
+    std::function<std::string(const std::string& actor, const std::string& topic, const std::string& text)> edit;
+    std::function<LoopFix(const std::string& actor, const std::string& topic, const std::string& text,
+                          const std::string& result, std::int32_t choice)>
+        loopFix;
+
+    Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
+    std::string input(const std::string& prompt, const std::string& title, const std::string& defaultText) override;
+    std::string openFile(const FileRequest& request) override;
+    std::string saveFile(const FileRequest& request) override;
+    std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override;
+    LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
+                    const std::string& result, std::int32_t choice) override;
+    void editOptions(CleanupSettings&) override {}
+    void about() override {}
+    void refreshLog() override {}
+
+private:
+    Answer unknownRecord(const std::string& text);
+};
+
+// Text with CR LF pairs turned into plain line breaks, for a terminal.
+std::string forTerminal(const std::string& text);
+
+} // namespace quillon

@@ -1,0 +1,32 @@
+#pragma once
+#include "records/prompts.h"
+#include "records/record_store.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quillon {
+
+// What a read noticed beyond its result: the file could not be loaded, or it ends inside a record.
+struct ReadDiagnostics {
+    std::string loadError;
+    bool truncated = false;
+};
+
+// Reads the whole data file at path into store. Returns the milliseconds spent (less the time the
+// last unknown-record question stayed open), -1 when the file was refused or could not be read,
+// 0 when the user stopped at an unknown record. recordCount grows by one per record kept.
+double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& recordCount, bool trimAtEnd,
+                  Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
+
+// Reads a data file already in memory; the same rules as ReadESFile after the file is loaded.
+double ReadESBuffer(RecordStore& store, const std::uint8_t* data, std::size_t size, std::int32_t& recordCount,
+                    bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
+
+// True when the path's extension begins with "ES", as data files' extensions do.
+bool hasDataFileName(const std::string& path);
+
+// The whole file as bytes; empty with error set when it cannot be read.
+std::string loadFile(const std::string& path, std::string& error);
+
+} // namespace quillon

@@ -1,0 +1,15 @@
+#include "records/record_store.h"
+
+namespace quillon {
+
+void ClearRecords(RecordStore& store) {
+    store.forEachArray([](auto& array) {
+        array.clear();
+        array.shrink_to_fit();
+    });
+    store.CurrentTopic.clear();
+}
+
+void TrimRecords(RecordStore& store) { store.CurrentTopic.clear(); }
+
+} // namespace quillon

@@ -1,0 +1,83 @@
+#include "writer/es_write.h"
+
+#include "writer/safe_file.h"
+#include "writer/write_common.h"
+
+#include <cctype>
+#include <chrono>
+
+namespace quillon {
+
+namespace {
+
+std::string upperExtension(const std::string& path) {
+    std::string ext = path.size() > 3 ? path.substr(path.size() - 3) : path;
+    for (char& c : ext) c = char(std::toupper(static_cast<unsigned char>(c)));
+    return ext;
+}
+
+template <class R, class F> void writeAll(const std::vector<R>& array, std::int32_t& count, F&& write) {
+    for (const R& r : array) {
+        write(r);
+        ++count;
+    }
+}
+
+std::size_t estimatedSize(RecordStore& store) {
+    std::size_t total = 0;
+    store.forEachArray([&](const auto& array) {
+        for (const auto& r : array) total += 16 + std::size_t(r.Size > 0 ? r.Size : 0);
+    });
+    return total;
+}
+
+} // namespace
+
+std::int32_t fileTypeFor(const std::string& path) {
+    std::string ext = upperExtension(path);
+    if (ext == "ESM") return 1;
+    if (ext == "ESS") return 32;
+    return 0;
+}
+
+std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts) {
+    ByteSink out;
+    out.bytes().reserve(estimatedSize(store) + 64);
+    std::int32_t written = 0;
+    const RecordStore& s = store;
+    writeAll(s.TES3, written, [&](auto& r) { WriteTes3Record(out, r, recordCount, fileType); });
+    WriteObjectsBeforeActors(out, s, fileType != 32, written);
+    writeAll(s.NPC_, written, [&](auto& r) { WriteNpcRecord(out, r); });
+    writeAll(s.CREA, written, [&](auto& r) { WriteCreaRecord(out, r); });
+    writeAll(s.CELL, written, [&](auto& r) { WriteCellRecord(out, r, prompts); });
+    // Land and path grids follow all cells rather than standing beside them.
+    writeAll(s.LAND, written, [&](auto& r) { WriteRawRecord(out, r); });
+    WritePgrdRecords(out, s, written);
+    TopicIndex index = indexResponses(s.INFO);
+    writeAll(s.DIAL, written, [&](auto& r) {
+        store.CurrentTopic = r.NAME;
+        WriteDialRecord(out, r, s.INFO, index, written);
+    });
+    for (const auto* raw : {&s.CNTC, &s.CREC, &s.FMAP, &s.GAME, &s.JOUR, &s.KLST, &s.NPCC, &s.PCDT, &s.QUES,
+                            &s.REFR, &s.SPLM, &s.STLN, &s.Unknown})
+        writeAll(*raw, written, [&](auto& r) { WriteRawRecord(out, r); });
+    return std::move(out.bytes());
+}
+
+WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount, Prompts& prompts) {
+    using Clock = std::chrono::steady_clock;
+    std::int32_t fileType = fileTypeFor(path);
+    if (fileType == 32 &&
+        prompts.ask("Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
+                    "unusable file. Are you sure you want to continue?",
+                    false) != Reply::Yes)
+        return {WriteResult::Declined, 0, {}};
+    Clock::time_point start = Clock::now();
+    std::string bytes = serialiseStore(store, recordCount, fileType, prompts);
+    std::string error = replaceFileSafely(path, bytes);
+    double ms = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    if (!error.empty()) return {WriteResult::Failed, ms, error};
+    return {WriteResult::Written, ms, {}};
+}
+
+} // namespace quillon

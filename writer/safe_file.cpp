@@ -1,0 +1,80 @@
+#include "writer/safe_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace quillon {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string describe(int error) { return std::strerror(error); }
+
+} // namespace
+
+#ifndef _WIN32
+std::string replaceFileSafely(const std::string& path, const std::string& bytes) {
+    fs::path target(path);
+    fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    std::error_code ec;
+    if (fs::is_directory(target, ec)) return "\"" + target.filename().string() + "\" is a folder";
+    std::string pattern = (folder / ("." + target.filename().string() + ".quillon-XXXXXX")).string();
+    int fd = ::mkstemp(pattern.data());
+    if (fd < 0) return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
+    // Keep the old file's permissions; a new file gets the usual ones.
+    struct stat old {};
+    mode_t mode = ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
+    ::fchmod(fd, mode);
+    const char* p = bytes.data();
+    std::size_t left = bytes.size();
+    int error = 0;
+    while (left > 0) {
+        ssize_t n = ::write(fd, p, left);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            error = errno;
+            break;
+        }
+        p += n;
+        left -= std::size_t(n);
+    }
+    if (!error && ::fsync(fd) != 0) error = errno;
+    if (::close(fd) != 0 && !error) error = errno;
+    if (!error && ::rename(pattern.c_str(), path.c_str()) != 0) error = errno;
+    if (error) {
+        ::unlink(pattern.c_str());
+        return describe(error);
+    }
+    return {};
+}
+#else
+std::string replaceFileSafely(const std::string& path, const std::string& bytes) {
+    fs::path target(path);
+    fs::path temp = target;
+    temp += ".quillon-new";
+    std::FILE* f = std::fopen(temp.string().c_str(), "wb");
+    if (!f) return "cannot create \"" + temp.string() + "\"";
+    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
+    ok = std::fflush(f) == 0 && ok;
+    ok = std::fclose(f) == 0 && ok;
+    std::error_code ec;
+    if (ok) fs::rename(temp, target, ec);
+    if (!ok || ec) {
+        fs::remove(temp, ec);
+        return "the file could not be written";
+    }
+    return {};
+}
+#endif
+
+} // namespace quillon
