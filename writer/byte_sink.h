@@ -34,8 +34,10 @@ public:
         tag(t);
         int32(size);
     }
-    // A zero-terminated text sub-record.
+    // A zero-terminated text sub-record. One the record does not carry (size 0, no text) is not
+    // invented: its terminator would be a byte that the record's stored Size does not count.
     void z(Tag t, std::int32_t size, const std::string& s) {
+        if (size == 0 && s.empty()) return;
         sub(t, size);
         text(s);
         byte(0);
