@@ -26,13 +26,13 @@ Answer CliDialogs::unknownRecord(const std::string& text) {
     case Unknown::No: return Answer::No;
     case Unknown::YesToAll: return Answer::Cancel;
     case Unknown::Default:
-        std::cerr << "quillon: warning: " << forTerminal(text)
+        *err << "quillon: warning: " << forTerminal(text)
                   << "\nquillon: keeping it and every further record of unknown type (choose with --unknown=)\n";
         return Answer::Cancel;
     case Unknown::Ask:
         break;
     }
-    std::cerr << forTerminal(text) << "\n[y]es, [n]o, [a]ll? ";
+    *err << forTerminal(text) << "\n[y]es, [n]o, [a]ll? ";
     std::string reply;
     if (!std::getline(std::cin, reply)) throw CliError("no answer to the unknown-record question");
     if (!reply.empty() && (reply[0] == 'n' || reply[0] == 'N')) return Answer::No;
@@ -48,7 +48,7 @@ Answer CliDialogs::message(const std::string& text, Buttons buttons, Icon, const
                        "write it all the same)");
     }
     if (buttons == Buttons::Ok) {
-        std::cerr << "quillon: " << forTerminal(text) << "\n";
+        *err << "quillon: " << forTerminal(text) << "\n";
         return Answer::Ok;
     }
     if (answer) return answer(text, buttons);

@@ -2,6 +2,7 @@
 #include "app/dialogs.h"
 
 #include <functional>
+#include <iostream>
 #include <stdexcept>
 #include <string>
 
@@ -18,6 +19,7 @@ public:
     enum class Unknown { Ask, Yes, No, YesToAll, Default };
     Unknown unknown = Unknown::Default;
     bool yes = false;          // answers the savegame question
+    std::ostream* err = &std::cerr; // where messages and warnings go
     std::string openPath;      // the answer to the next open dialog
     std::string savePath;      // the answer to the next save dialog
     // Answers to a command's own questions; unset questions stop the command with a CliError.

@@ -100,8 +100,14 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             return 2;
         }
         c.dialogs.yes = parsed.has("--yes");
+        c.dialogs.err = &err;
         c.session.log.onLine = [&err](const std::string& line) { err << forTerminal(line) << '\n'; };
-        return command.run(c);
+        try {
+            return command.run(c);
+        } catch (const CliError& e) {
+            err << "quillon: " << e.what() << "\n";
+            return 1;
+        }
     }
     err << "quillon: unknown command \"" << args[0] << "\"\n\n" << kUsage;
     return 2;

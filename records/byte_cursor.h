@@ -26,9 +26,7 @@ public:
 
     void raw(void* out, std::size_t n) {
         if (n > remaining()) {
-            std::size_t have = remaining();
-            std::memcpy(out, data_ + pos_, have);
-            std::memset(static_cast<char*>(out) + have, 0, n - have);
+            std::memset(out, 0, n);
             pos_ = size_;
             failed_ = true;
             return;

@@ -1,0 +1,133 @@
+#pragma once
+// Shared test helpers: dialogs that answer from a script and record what they were asked, and
+// temporary folders.
+#include "app/dialogs.h"
+#include "records/prompts.h"
+#include "tools/record_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quillon::test {
+
+using namespace quillon::build;
+
+// Answers queued in order; every question and message is kept for the test to check.
+class ScriptedDialogs : public Dialogs {
+public:
+    std::deque<Answer> answers;
+    std::deque<std::string> inputs, openPaths, savePaths, edits;
+    std::deque<LoopFix> loopFixes;
+    std::vector<std::string> messages, prompts, editRequests;
+    std::vector<FileRequest> fileRequests;
+    int refreshes = 0;
+
+    Answer message(const std::string& text, Buttons buttons, Icon, const std::string& title) override {
+        messages.push_back(title.empty() ? text : title + "|" + text);
+        if (buttons == Buttons::Ok) return Answer::Ok;
+        return pop(answers, Answer::No);
+    }
+    std::string input(const std::string& prompt, const std::string&, const std::string&) override {
+        prompts.push_back(prompt);
+        return pop(inputs, std::string());
+    }
+    std::string openFile(const FileRequest& r) override {
+        fileRequests.push_back(r);
+        return pop(openPaths, std::string());
+    }
+    std::string saveFile(const FileRequest& r) override {
+        fileRequests.push_back(r);
+        return pop(savePaths, std::string());
+    }
+    std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override {
+        editRequests.push_back(actor + "|" + topic);
+        return pop(edits, text);
+    }
+    LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
+                    const std::string& result, std::int32_t choice) override {
+        editRequests.push_back(actor + "|" + topic + "|" + std::to_string(choice));
+        return pop(loopFixes, LoopFix{2, text, result});
+    }
+    void editOptions(CleanupSettings&) override {}
+    void about() override {}
+    void refreshLog() override { ++refreshes; }
+
+private:
+    template <class T> static T pop(std::deque<T>& queue, T fallback) {
+        if (queue.empty()) return fallback;
+        T v = queue.front();
+        queue.pop_front();
+        return v;
+    }
+};
+
+class ScriptedPrompts : public Prompts {
+public:
+    std::deque<Reply> replies;
+    std::vector<std::string> asked, told;
+    void tell(const std::string& text) override { told.push_back(text); }
+    Reply ask(const std::string& text, bool) override {
+        asked.push_back(text);
+        if (replies.empty()) return Reply::Yes;
+        Reply r = replies.front();
+        replies.pop_front();
+        return r;
+    }
+};
+
+// A fresh folder under the system's temporary folder, removed at the end of the test.
+class TempDir {
+public:
+    TempDir() {
+        std::random_device rd;
+        path_ = std::filesystem::temp_directory_path() / ("quillon-test-" + std::to_string(rd()));
+        std::filesystem::create_directories(path_);
+    }
+    ~TempDir() {
+        std::error_code ec;
+        std::filesystem::remove_all(path_, ec);
+    }
+    std::string file(const std::string& name) const { return (path_ / name).string(); }
+    std::string write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(file(name), std::ios::binary) << bytes;
+        return file(name);
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+inline std::string readAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The corpus of real files: $QUILLON_CORPUS, or the folder beside the project.
+inline std::string corpusDir() {
+    const char* set = std::getenv("QUILLON_CORPUS");
+    return set && *set ? set : QUILLON_CORPUS;
+}
+inline bool haveCorpus() { return std::filesystem::is_directory(corpusDir()); }
+inline std::vector<std::string> corpusFiles() {
+    std::vector<std::string> files;
+    if (!haveCorpus()) return files;
+    for (const auto& entry : std::filesystem::directory_iterator(corpusDir())) {
+        std::string ext = entry.path().extension().string();
+        if (ext.size() == 4 && (ext[1] == 'e' || ext[1] == 'E')) files.push_back(entry.path().string());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+#define QUILLON_NEED_CORPUS()                                                                              \
+    if (!quillon::test::haveCorpus()) GTEST_SKIP() << "the corpus folder " << quillon::test::corpusDir()    \
+                                                   << " is missing"
+
+} // namespace quillon::test

@@ -1,0 +1,61 @@
+#include "cli/commands.h"
+#include "helpers.h"
+
+#include <sstream>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+struct CliRun {
+    int status;
+    std::string out, err;
+};
+
+CliRun cli(std::vector<std::string> args) {
+    std::ostringstream out, err;
+    int status = runCli(args, out, err);
+    return {status, out.str(), err.str()};
+}
+
+} // namespace
+
+TEST(Cli, CountsPrintsEveryLabelInOrder) {
+    TempDir dir;
+    std::string path = dir.write("c.esp", file(1, {Rec("STAT").z("NAME", "s").z("MODL", "m").bytes()}));
+    CliRun r = cli({"counts", path});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out.substr(0, 9), "ACTI: 0\nA");
+    EXPECT_NE(r.out.find("\nSTAT: 1\nSSCR: 0\nTES3: 1\nUnknown: 0\nCNTC: 0\nTotal: 2\nWEAP: 0\n"), std::string::npos);
+    EXPECT_EQ(r.out.substr(r.out.size() - 8), "STLN: 0\n");
+    EXPECT_NE(r.err.find("-Read 2 records from \"c.esp\" successfully in "), std::string::npos);
+}
+
+TEST(Cli, UsageAndFailures) {
+    EXPECT_EQ(cli({}).status, 2);
+    EXPECT_EQ(cli({"frobnicate"}).status, 2);
+    EXPECT_EQ(cli({"counts"}).status, 2);
+    EXPECT_EQ(cli({"counts", "a.esp", "--unknown=maybe"}).status, 2);
+    EXPECT_EQ(cli({"--help"}).status, 0);
+    TempDir dir;
+    CliRun missing = cli({"counts", dir.file("none.esp")});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err.find("-Failed reading \"none.esp\"."), std::string::npos);
+    std::string unknown = dir.write("u.esp", file(1, {Rec("ZZZZ").bytes()}));
+    EXPECT_EQ(cli({"counts", unknown, "--unknown=no"}).status, 1);
+    CliRun kept = cli({"counts", unknown});
+    EXPECT_EQ(kept.status, 0);
+    EXPECT_NE(kept.err.find("warning: Unknown record encountered at address: 324."), std::string::npos);
+    EXPECT_NE(kept.out.find("Unknown: 1"), std::string::npos);
+}
+
+TEST(Cli, SaveRefusesASavegameWithoutYes) {
+    TempDir dir;
+    std::string path = dir.write("s.esp", file(0, {}));
+    CliRun refused = cli({"save", path, "-o", dir.file("out.ess")});
+    EXPECT_EQ(refused.status, 1);
+    CliRun done = cli({"save", path, "-o", dir.file("out.ess"), "--yes"});
+    EXPECT_EQ(done.status, 0);
+    EXPECT_EQ(readAll(dir.file("out.ess")).substr(28, 4), le32(32));
+}
