@@ -3,6 +3,7 @@
 #include "app/file_commands.h"
 #include "cli/arguments.h"
 #include "cli/cli_dialogs.h"
+#include "dialogue/dialogue_commands.h"
 
 #include <functional>
 #include <iostream>
@@ -16,6 +17,16 @@ const char* const kUsage = R"(usage: quillon COMMAND [ARGUMENTS]
 Commands:
   counts FILE                      open FILE; print its log lines and the 57 record counts
   save FILE [-o OUT]               open FILE and save it back (or to OUT)
+  export-dialogue FILE -o OUT.txt  every response of FILE to a text file (four quoted lines each)
+  import-dialogue FILE IN.txt -o OUT [--remove-line-breaks] [--long=trim|cancel]
+                                   put the edited responses of IN.txt back and save as OUT; a
+                                   response over 512 characters stops the import unless --long
+                                   says to trim it (trim) or to trim it and all later ones (cancel)
+  loops FILE [--fail-on-loop]      list responses whose result script offers again the choice
+                                   that shows them; --fail-on-loop exits 1 when any is found
+  quotes FILE --city NAME --format xml|kst -o OUT [--ask-names]
+                                   the quotes of every response with an actor; speaker names
+                                   holding "_" are kept unless --ask-names asks for each
 
 Options that every command which opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
@@ -30,6 +41,16 @@ struct Context {
     std::ostream& err;
     Session session;
     CliDialogs dialogs;
+    std::vector<std::string> logged; // every log line, in order
+
+    // True when a line logged since mark reports a failure.
+    bool failedSince(std::size_t mark) const {
+        for (std::size_t i = mark; i < logged.size(); ++i)
+            if (logged[i].rfind("-An error occured", 0) == 0 || logged[i].rfind("-Failed", 0) == 0 ||
+                logged[i].rfind("-Nothing has been written", 0) == 0)
+                return true;
+        return false;
+    }
 };
 
 using Handler = std::function<int(Context&)>;
@@ -40,6 +61,7 @@ struct Command {
     std::set<std::string> flags;
     std::set<std::string> valued;
     Handler run;
+    std::set<std::string> required = {}; // valued options that must be given
 };
 
 int countsCommand(Context& c) {
@@ -56,10 +78,90 @@ int saveCommand(Context& c) {
     return ok ? 0 : 1;
 }
 
+// Opens FILE; false when nothing could be read.
+bool openInput(Context& c) { return openPath(c.session, c.dialogs, c.args.positional[0]) > 0; }
+
+int exportCommand(Context& c) {
+    if (!openInput(c)) return 1;
+    std::size_t mark = c.logged.size();
+    exportDialogueTo(c.session, c.dialogs, c.args.value("-o"));
+    return c.failedSince(mark) ? 1 : 0;
+}
+
+int importCommand(Context& c) {
+    std::string longMode = c.args.value("--long");
+    if (longMode != "" && longMode != "trim" && longMode != "cancel") {
+        c.err << "quillon: --long takes trim or cancel\n";
+        return 2;
+    }
+    if (!openInput(c)) return 1;
+    bool removeBreaks = c.args.has("--remove-line-breaks");
+    c.dialogs.answer = [&](const std::string& text, Buttons) {
+        if (text == "Do you want to remove line breaks?") return removeBreaks ? Answer::Yes : Answer::No;
+        if (longMode == "trim") return Answer::No;
+        if (longMode == "cancel") return Answer::Cancel;
+        std::size_t start = text.find('"') + 1;
+        throw CliError("response " + text.substr(start - 1, text.find('"', start) - start + 2) +
+                       " is longer than 512 characters; shorten it in the text file or add --long=trim");
+    };
+    std::size_t mark = c.logged.size();
+    importDialogueFrom(c.session, c.dialogs, c.args.positional[1]);
+    if (c.failedSince(mark)) return 1;
+    return saveAsPath(c.session, c.dialogs, c.args.value("-o")) ? 0 : 1;
+}
+
+int loopsCommand(Context& c) {
+    if (!openInput(c)) return 1;
+    int found = 0;
+    c.dialogs.loopFix = [&](const std::string& actor, const std::string& topic, const std::string& text,
+                            const std::string& result, std::int32_t choice) {
+        ++found;
+        std::vector<std::string> lines = linesOfferingChoice(result, choice);
+        c.out << "actor \"" << actor << "\", topic \"" << topic << "\", choice " << choice << ": "
+              << (lines.empty() ? std::string() : lines.front()) << '\n';
+        return LoopFix{2, text, result};
+    };
+    std::size_t mark = c.logged.size();
+    DetectLoops(c.session, c.dialogs);
+    if (c.failedSince(mark)) return 1;
+    return found > 0 && c.args.has("--fail-on-loop") ? 1 : 0;
+}
+
+int quotesCommand(Context& c) {
+    std::string format = c.args.value("--format");
+    if (format != "xml" && format != "kst") {
+        c.err << "quillon quotes: --format takes xml or kst\n";
+        return 2;
+    }
+    if (!openInput(c)) return 1;
+    bool askNames = c.args.has("--ask-names");
+    c.dialogs.inputAnswer = [&](const std::string& prompt) {
+        if (prompt == "Please, enter the name of the city to export from:") return c.args.value("--city");
+        if (!askNames) return prompt; // a speaker name holding "_" stays as it is
+        c.err << "Name for \"" << prompt << "\": ";
+        std::string typed;
+        if (!std::getline(std::cin, typed)) throw CliError("no answer for the speaker name \"" + prompt + "\"");
+        return typed;
+    };
+    c.dialogs.savePath = c.args.value("-o");
+    std::size_t mark = c.logged.size();
+    if (format == "xml")
+        ExportQuotesXml(c.session, c.dialogs);
+    else
+        ExportQuotesKst(c.session, c.dialogs);
+    return c.failedSince(mark) ? 1 : 0;
+}
+
 const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
         {"save", 1, {"--help", "--yes"}, {"--unknown", "-o"}, saveCommand},
+        {"export-dialogue", 1, {"--help"}, {"--unknown", "-o"}, exportCommand, {"-o"}},
+        {"import-dialogue", 2, {"--help", "--yes", "--remove-line-breaks"}, {"--unknown", "-o", "--long"},
+         importCommand, {"-o"}},
+        {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
+        {"quotes", 1, {"--help", "--ask-names"}, {"--unknown", "--city", "--format", "-o"}, quotesCommand,
+         {"--city", "--format", "-o"}},
     };
     return list;
 }
@@ -88,6 +190,8 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             out << kUsage;
             return 0;
         }
+        for (const std::string& option : command.required)
+            if (parsed.error.empty() && parsed.value(option).empty()) parsed.error = option + " is needed";
         if (!parsed.error.empty() || parsed.positional.size() != command.positional) {
             err << "quillon " << command.name << ": "
                 << (parsed.error.empty() ? "wrong number of arguments" : parsed.error) << "\n\n"
@@ -101,7 +205,10 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         }
         c.dialogs.yes = parsed.has("--yes");
         c.dialogs.err = &err;
-        c.session.log.onLine = [&err](const std::string& line) { err << forTerminal(line) << '\n'; };
+        c.session.log.onLine = [&c](const std::string& line) {
+            c.logged.push_back(line);
+            c.err << forTerminal(line) << '\n';
+        };
         try {
             return command.run(c);
         } catch (const CliError& e) {

@@ -1,0 +1,63 @@
+#include "dialogue/dialogue_commands.h"
+#include "writer/safe_file.h"
+
+namespace quillon {
+
+namespace {
+
+const char* const kTextFilter = "Text files (*.txt)|*.txt| All Files (*.*)| *.*";
+
+// Four quoted lines per response; nothing inside is escaped, and two empty lines separate
+// responses (none follow the last).
+std::string dialogueText(const std::vector<InfoRecord>& infos) {
+    std::string out;
+    std::size_t size = 0;
+    for (const InfoRecord& r : infos) size += r.INAM.size() + r.Topic.size() + r.ONAM.size() + r.NAME.size() + 28;
+    out.reserve(size);
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+        if (i > 0) out += "\r\n\r\n";
+        for (const std::string* field : {&infos[i].INAM, &infos[i].Topic, &infos[i].ONAM, &infos[i].NAME}) {
+            out += '"';
+            out += *field;
+            out += "\"\r\n";
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+void reportExportError(Session& session, Dialogs& dialogs) {
+    dialogs.message("The operation encountered an error.", Buttons::Ok, Icon::None, "");
+    session.log.LogLine("-An error occured during dialogue exporting.");
+}
+
+void ExportDialogue(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.flags = PromptOverwrite;
+    request.filter = kTextFilter;
+    request.defaultExtension = ".txt";
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.saveFile(request);
+    if (path.empty()) return;
+    session.openFolder = folderOf(path);
+    exportDialogueTo(session, dialogs, path);
+}
+
+void exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path) {
+    const std::vector<InfoRecord>& infos = session.store.INFO;
+    bool none = infos.empty() || infos.front().INAMSize == 0;
+    std::string error = replaceFileSafely(path, none ? std::string() : dialogueText(infos));
+    if (!error.empty()) {
+        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok,
+                        Icon::Critical, "");
+        session.log.LogLine("-An error occured during dialogue exporting.");
+        return;
+    }
+    // The text file exists (empty) when there is nothing to export.
+    if (none) return reportExportError(session, dialogs);
+    session.log.LogLine("-Exported " + std::to_string(infos.size()) + " responses from \"" +
+                        bareName(session.currentPath) + "\" successfully.");
+}
+
+} // namespace quillon

@@ -1,0 +1,136 @@
+#include "app/text.h"
+#include "dialogue/dialogue_commands.h"
+#include "writer/safe_file.h"
+
+#include <unordered_map>
+
+namespace quillon {
+
+namespace {
+
+const char* const kCityPrompt = "Please, enter the name of the city to export from:";
+
+// What the placeholders of one response are filled with.
+struct Speaker {
+    std::string name, race, cls, faction;
+};
+
+// Actors by ID ignoring case; the first record of an ID wins.
+class ActorIndex {
+public:
+    explicit ActorIndex(const RecordStore& store) {
+        for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcs_.emplace(foldedKey(store.NPC_[i].NAME), i);
+        for (std::size_t i = 0; i < store.CREA.size(); ++i) creatures_.emplace(foldedKey(store.CREA[i].NAME), i);
+    }
+    // The NPC's name, race, class and faction; a creature of that ID then sets the name only.
+    Speaker find(const RecordStore& store, const std::string& actor) const {
+        Speaker s;
+        std::string key = foldedKey(actor);
+        if (auto n = npcs_.find(key); n != npcs_.end()) {
+            const NpcRecord& npc = store.NPC_[n->second];
+            s = {npc.FNAM, npc.RNAM, npc.CNAM, npc.ANAM};
+        }
+        if (auto c = creatures_.find(key); c != creatures_.end()) s.name = store.CREA[c->second].FNAM;
+        return s;
+    }
+
+private:
+    std::unordered_map<std::string, std::size_t> npcs_, creatures_;
+};
+
+std::string fillPlaceholders(std::string text, const Speaker& s) {
+    replaceAllIgnoreCase(text, "%class", s.cls);
+    replaceAllIgnoreCase(text, "%race", s.race);
+    replaceAllIgnoreCase(text, "%Faction", s.faction);
+    replaceAllIgnoreCase(text, "%Name", s.name);
+    return text;
+}
+
+// Asks for the export file; empty when cancelled.
+std::string askForFile(Session& session, Dialogs& dialogs, const char* filter, const char* extension) {
+    FileRequest request;
+    request.flags = PromptOverwrite;
+    request.filter = filter;
+    request.defaultExtension = extension;
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.saveFile(request);
+    if (!path.empty()) session.openFolder = folderOf(path);
+    return path;
+}
+
+bool hasNoResponses(const Session& session) {
+    return session.store.INFO.empty() || session.store.INFO.front().INAMSize == 0;
+}
+
+// Writes the finished file and logs the outcome; the count is of all responses.
+void finish(Session& session, Dialogs& dialogs, const std::string& path, const std::string& bytes) {
+    std::string error = replaceFileSafely(path, bytes);
+    if (!error.empty()) {
+        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok,
+                        Icon::Critical, "");
+        session.log.LogLine("-An error occured during dialogue exporting.");
+        return;
+    }
+    session.log.LogLine("-Exported " + std::to_string(session.store.INFO.size()) + " responses from \"" +
+                        bareName(session.currentPath) + "\" successfully.");
+}
+
+// A fixed-width field of the quote file: the text cut or padded with zero bytes to width.
+void field(std::string& out, const std::string& text, std::size_t width) {
+    out.append(text, 0, std::min(text.size(), width));
+    out.append(width - std::min(text.size(), width), '\0');
+}
+
+} // namespace
+
+void ExportQuotesXml(Session& session, Dialogs& dialogs) {
+    std::string path = askForFile(session, dialogs, "XML files (*.xml)|*.xml| All Files (*.*)| *.*", ".xml");
+    if (path.empty()) return;
+    std::string city = dialogs.input(kCityPrompt, "", "");
+    std::string out = "<quotes>";
+    if (hasNoResponses(session)) {
+        replaceFileSafely(path, out);
+        return reportExportError(session, dialogs);
+    }
+    ActorIndex actors(session.store);
+    for (const InfoRecord& r : session.store.INFO) {
+        // Every response with an actor goes out, those holding "%PC" or "%rank" included: the
+        // test that looks for them cannot come out false once an actor is present.
+        if (r.ONAM.empty()) continue;
+        Speaker s = actors.find(session.store, r.ONAM);
+        std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
+        out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" + city +
+               "</city></quote>";
+    }
+    out += "</quotes>";
+    finish(session, dialogs, path, out);
+}
+
+void ExportQuotesKst(Session& session, Dialogs& dialogs) {
+    std::string path = askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
+    if (path.empty()) return;
+    std::string city = dialogs.input(kCityPrompt, "", "");
+    if (hasNoResponses(session)) {
+        replaceFileSafely(path, "");
+        return reportExportError(session, dialogs);
+    }
+    ActorIndex actors(session.store);
+    std::string out;
+    for (const InfoRecord& r : session.store.INFO) {
+        if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank")) continue;
+        Speaker s = actors.find(session.store, r.ONAM);
+        std::string speaker = s.name;
+        if (speaker.find('_') != std::string::npos) speaker = dialogs.input(speaker, "", "");
+        if (speaker.empty()) {
+            speaker = trimBlanks(properCase(r.ONAM));
+            if (speaker.find('_') != std::string::npos) speaker = dialogs.input(speaker, "", "");
+        }
+        // Values longer than their field are cut: the reader of the file relies on the widths.
+        field(out, speaker, 32);
+        field(out, city, 32);
+        field(out, fillPlaceholders(r.NAME, s), 512);
+    }
+    finish(session, dialogs, path, out);
+}
+
+} // namespace quillon

@@ -1,0 +1,173 @@
+#include "dialogue/dialogue_commands.h"
+#include "app/text.h"
+#include "records/es_read.h"
+
+#include <cstdio>
+
+namespace quillon {
+
+namespace {
+
+// Reads a text file line by line. CR LF, CR and LF all end a line, so files saved by editors
+// on any system read alike. pos() is the 0-based position of the next read.
+class LineReader {
+public:
+    explicit LineReader(std::string bytes) : bytes_(std::move(bytes)) {}
+    bool atEnd() const { return pos_ >= bytes_.size(); }
+    std::size_t pos() const { return pos_; }
+    bool next(std::string& line) {
+        if (atEnd()) return false;
+        std::size_t end = bytes_.find_first_of("\r\n", pos_);
+        if (end == std::string::npos) end = bytes_.size();
+        line.assign(bytes_, pos_, end - pos_);
+        pos_ = end;
+        if (pos_ < bytes_.size() && bytes_[pos_] == '\r') ++pos_;
+        if (pos_ < bytes_.size() && bytes_[pos_] == '\n') ++pos_;
+        return true;
+    }
+
+private:
+    std::string bytes_;
+    std::size_t pos_ = 0;
+};
+
+// Where the text file stops matching the store: the message names the place and both IDs.
+struct Mismatch {};
+
+// The text between the first and last character (the quotes), or a mismatch when there are none.
+std::string unquote(const std::string& line) {
+    if (line.size() < 2) throw Mismatch{};
+    return line.substr(1, line.size() - 2);
+}
+
+std::string collapseDoubledQuotes(const std::string& text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        out += text[i];
+        if (text[i] == '"' && i + 1 < text.size() && text[i + 1] == '"') ++i;
+    }
+    return out;
+}
+
+class Import {
+public:
+    Import(Session& s, Dialogs& d, bool removeLineBreaks, std::string bytes)
+        : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), in_(std::move(bytes)) {}
+
+    void run() {
+        std::vector<InfoRecord>& infos = s_.store.INFO;
+        // A file that still holds lines after the last response starts a second pass, which
+        // then reports the mismatch.
+        while (!in_.atEnd()) {
+            for (current_ = 0; current_ < infos.size(); ++current_) importOne(infos[current_], current_ + 1 == infos.size());
+        }
+    }
+    std::size_t current() const { return current_; }
+    std::size_t pos() const { return in_.pos(); }
+    const std::string& foundId() const { return foundId_; }
+
+private:
+    std::string line() {
+        std::string l;
+        if (!in_.next(l)) throw Mismatch{};
+        return l;
+    }
+
+    void importOne(InfoRecord& r, bool last) {
+        foundId_ = unquote(line());
+        if (!equalsIgnoreCase(foundId_, r.INAM)) throw Mismatch{};
+        line(); // topic
+        line(); // actor
+        std::string text = line();
+        while (text.empty() || text.back() != '"') text += separator_ + line();
+        text = collapseDoubledQuotes(unquote(text));
+        if (text.size() > kMaxResponse) text = fitLongText(r, text);
+        adjustSizes(r, text);
+        r.NAME = std::move(text);
+        if (last) {
+            s_.log.LogLine("-Imported " + std::to_string(s_.store.INFO.size()) + " responses to \"" +
+                           bareName(s_.currentPath) + "\" successfully.");
+        } else {
+            line();
+            line();
+        }
+    }
+
+    std::string fitLongText(const InfoRecord& r, std::string text) {
+        if (!noToAll_) {
+            Answer a = d_.message("The response \"" + r.INAM +
+                                      "\" is bigger than 512 characters. Do you want to edit it by hand? Otherwise "
+                                      "it will be trimmed to fit.\r\n\r\nCancel is \"No to all\"",
+                                  Buttons::YesNoCancel, Icon::Information, "Quillon Warning");
+            if (a == Answer::Cancel) noToAll_ = true;
+            if (a == Answer::Yes) text = d_.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, text);
+        }
+        if (text.size() > kMaxResponse) text.resize(kMaxResponse);
+        return text;
+    }
+
+    // The stored sizes follow the text's length. The +8 for a record that had no text is tested
+    // after the size has grown, so it never applies to a non-empty text; the order is intended.
+    static void adjustSizes(InfoRecord& r, const std::string& text) {
+        auto before = std::int32_t(r.NAME.size()), after = std::int32_t(text.size());
+        if (after < before) {
+            r.Size -= before - after;
+            r.NAMESize -= before - after;
+        } else if (after > before) {
+            r.Size += after - before;
+            r.NAMESize += after - before;
+            if (r.NAME.empty() && r.NAMESize == 0) r.Size += 8;
+        }
+    }
+
+    Session& s_;
+    Dialogs& d_;
+    std::string separator_;
+    LineReader in_;
+    std::size_t current_ = 0;
+    std::string foundId_;
+    bool noToAll_ = false;
+};
+
+void reportImportError(Session& session, Dialogs& dialogs, const std::string& text) {
+    dialogs.message(text, Buttons::Ok, Icon::None, "");
+    session.log.LogLine("-An error occured during dialogue importing.");
+}
+
+} // namespace
+
+void ImportDialogue(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.flags = HideReadOnly | FileMustExist;
+    request.filter = "Text files (*.txt)|*.txt| All Files (*.*)| *.*";
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.openFile(request);
+    if (trimBlanks(path).empty()) return;
+    session.openFolder = folderOf(path);
+    importDialogueFrom(session, dialogs, path);
+}
+
+void importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path) {
+    bool removeLineBreaks =
+        dialogs.message("Do you want to remove line breaks?", Buttons::YesNo, Icon::None, "") == Answer::Yes;
+    std::string error;
+    std::string bytes = loadFile(path, error);
+    if (!error.empty()) return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
+    if (session.store.INFO.empty())
+        return reportImportError(session, dialogs, "\"" + bareName(session.currentPath) + "\" holds no dialogue responses to import into.");
+    Import import(session, dialogs, removeLineBreaks, std::move(bytes));
+    try {
+        import.run();
+    } catch (const Mismatch&) {
+        // Responses already imported keep their new texts: there is no rollback.
+        char offset[32];
+        std::snprintf(offset, sizeof offset, "%zX", import.pos() + 1);
+        reportImportError(session, dialogs,
+                          "The file has been edited incorrectly. Current offset: 0x" + std::string(offset) +
+                              ". Required ID: " + session.store.INFO[import.current()].INAM +
+                              ". Found ID: " + import.foundId());
+    }
+}
+
+} // namespace quillon
