@@ -119,11 +119,11 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
     for (const InfoRecord& r : session.store.INFO) {
         if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank")) continue;
         Speaker s = actors.find(session.store, r.ONAM);
-        std::string speaker = s.name;
-        if (speaker.find('_') != std::string::npos) speaker = dialogs.input(speaker, "", "");
-        if (speaker.empty()) {
-            speaker = trimBlanks(properCase(r.ONAM));
-            if (speaker.find('_') != std::string::npos) speaker = dialogs.input(speaker, "", "");
+        // A name holding "_" is offered for retyping; an empty answer keeps it.
+        std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
+        if (speaker.find('_') != std::string::npos) {
+            std::string typed = dialogs.input(speaker, "", "");
+            if (!typed.empty()) speaker = typed;
         }
         // Values longer than their field are cut: the reader of the file relies on the widths.
         field(out, speaker, 32);
