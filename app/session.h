@@ -23,6 +23,9 @@ struct Session {
     std::string codePage = "windows-1252"; // how the window shows the file's texts
 };
 
+// The longest response text the game takes.
+constexpr std::size_t kMaxResponse = 512;
+
 // The file-name part of a path, either separator accepted.
 std::string bareName(const std::string& path);
 // The path less its file name and the separator before it.

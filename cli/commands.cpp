@@ -2,6 +2,8 @@
 
 #include "app/file_commands.h"
 #include "cli/arguments.h"
+#include "cleanup/morrowindize.h"
+#include "cleanup/text_rules.h"
 #include "cli/cli_dialogs.h"
 #include "dialogue/dialogue_commands.h"
 
@@ -27,6 +29,14 @@ Commands:
   quotes FILE --city NAME --format xml|kst -o OUT [--ask-names]
                                    the quotes of every response with an actor; speaker names
                                    holding "_" are kept unless --ask-names asks for each
+  morrowindize FILE -o OUT [OPTIONS]
+                                   clean every response to the game's house style and save as OUT;
+                                   a response that would grow past 512 characters keeps its text
+                                   and is listed
+  morrowindize-text [OPTIONS]      clean each line of standard input as one response
+
+Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
+  --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
 
 Options that every command which opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
@@ -152,6 +162,60 @@ int quotesCommand(Context& c) {
     return c.failedSince(mark) ? 1 : 0;
 }
 
+const std::set<std::string> kCleanupOptions = {"--line-breaks", "--american", "--sentences", "--space-quotes",
+                                               "--slang",       "--temple",   "--dashes",    "--ellipsis",
+                                               "--square",      "--dash-spaces", "--all",    "--help"};
+
+std::set<std::string> kCleanupOptionsWith(std::set<std::string> more) {
+    more.insert(kCleanupOptions.begin(), kCleanupOptions.end());
+    return more;
+}
+
+CleanupSettings cleanupSettings(const Arguments& args) {
+    bool all = args.has("--all");
+    auto on = [&](const char* flag) { return all || args.has(flag); };
+    CleanupSettings s;
+    s.isLineBreaks = on("--line-breaks");
+    s.isAmerican = on("--american");
+    s.isSentences = on("--sentences");
+    s.isSpaceQuotes = on("--space-quotes");
+    s.isSlang = on("--slang");
+    s.isTemple = on("--temple");
+    s.isDashes = on("--dashes");
+    s.isEllipsis = on("--ellipsis");
+    s.isSquare = on("--square");
+    s.isDashSpaces = on("--dash-spaces");
+    return s;
+}
+
+int morrowindizeCommand(Context& c) {
+    if (!openInput(c)) return 1;
+    c.session.settings = cleanupSettings(c.args);
+    // An over-long result is "edited" into itself, which keeps the original text; this way the
+    // command line learns whose response it was.
+    c.dialogs.answer = [](const std::string&, Buttons) { return Answer::Yes; };
+    c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
+        c.err << "quillon: kept the original text of a response of \"" << actor << "\" in \"" << topic
+              << "\": cleaned it would be " << text.size() << " characters long\n";
+        return text;
+    };
+    std::size_t mark = c.logged.size();
+    Morrowindize(c.session, c.dialogs);
+    if (c.failedSince(mark)) return 1;
+    return saveAsPath(c.session, c.dialogs, c.args.value("-o")) ? 0 : 1;
+}
+
+int morrowindizeTextCommand(Context& c) {
+    CleanupSettings settings = cleanupSettings(c.args);
+    bool quoteParity = false; // carried from line to line as from response to response
+    std::string line;
+    while (std::getline(std::cin, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        c.out << cleanResponse(line, settings, quoteParity) << '\n';
+    }
+    return 0;
+}
+
 const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
@@ -160,6 +224,8 @@ const std::vector<Command>& commands() {
         {"import-dialogue", 2, {"--help", "--yes", "--remove-line-breaks"}, {"--unknown", "-o", "--long"},
          importCommand, {"-o"}},
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
+        {"morrowindize", 1, kCleanupOptionsWith({"--yes"}), {"--unknown", "-o"}, morrowindizeCommand, {"-o"}},
+        {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
         {"quotes", 1, {"--help", "--ask-names"}, {"--unknown", "--city", "--format", "-o"}, quotesCommand,
          {"--city", "--format", "-o"}},
     };

@@ -24,9 +24,6 @@ std::vector<std::string> linesOfferingChoice(const std::string& script, std::int
 void ExportQuotesXml(Session& session, Dialogs& dialogs);
 void ExportQuotesKst(Session& session, Dialogs& dialogs);
 
-// The longest response text the game takes.
-constexpr std::size_t kMaxResponse = 512;
-
 // The log and message every dialogue command uses when the store holds no responses or a step fails.
 void reportExportError(Session& session, Dialogs& dialogs);
 

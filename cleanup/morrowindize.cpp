@@ -1,0 +1,54 @@
+#include "cleanup/morrowindize.h"
+
+#include "app/text.h"
+#include "cleanup/text_rules.h"
+
+namespace quillon {
+
+namespace {
+
+const char* const kTooLongQuestion =
+    "One of the responses has become more than 511 characters after clean up. Do you want to edit it by hand? "
+    "Otherwise original text will be used.\r\n\r\nCancel is \"No to all\"";
+
+} // namespace
+
+void Morrowindize(Session& session, Dialogs& dialogs) {
+    std::string name = bareName(session.currentPath);
+    std::vector<InfoRecord>& infos = session.store.INFO;
+    session.log.LogLine("-Morrowindizing " + std::to_string(infos.size()) + " responses from \"" + name + "\"...");
+    dialogs.refreshLog();
+    bool quoteParity = false, noToAll = false;
+    std::size_t changed = 0;
+    for (InfoRecord& r : infos) {
+        const std::string original = r.NAME;
+        std::string text = cleanResponse(original, session.settings, quoteParity);
+        // The question says 511 while the test is for more than 512: both numbers are intended.
+        if (text.size() > kMaxResponse) {
+            Answer a = noToAll ? Answer::No
+                               : dialogs.message(kTooLongQuestion, Buttons::YesNoCancel, Icon::Question, "Clean Up");
+            if (a == Answer::Yes) {
+                text = dialogs.editResponse(r.ONAM, r.DialogueType == 4 ? "Journal Entry" : r.Topic, text);
+                dialogs.refreshLog();
+                if (text.size() > kMaxResponse) text = original;
+            } else {
+                if (a == Answer::Cancel) noToAll = true;
+                text = original;
+            }
+        }
+        auto growth = std::int32_t(text.size()) - std::int32_t(original.size());
+        r.Size += growth;
+        r.NAMESize += growth;
+        // A change of letter case alone keeps the new text but is not counted.
+        if (!equalsIgnoreCase(text, original)) ++changed;
+        r.NAME = std::move(text);
+    }
+    if (changed == 0)
+        session.log.LogLine("-All dialogues in \"" + name + "\" are already Morrowindish.");
+    else
+        session.log.LogLine("-" + std::to_string(changed) + " responses from \"" + name +
+                            "\" have been Morrowindized successfully.");
+    dialogs.refreshLog();
+}
+
+} // namespace quillon
