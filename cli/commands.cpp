@@ -5,6 +5,7 @@
 #include "cleanup/morrowindize.h"
 #include "cleanup/text_rules.h"
 #include "cli/cli_dialogs.h"
+#include "npclist/npc_list.h"
 #include "dialogue/dialogue_commands.h"
 
 #include <functional>
@@ -34,6 +35,9 @@ Commands:
                                    a response that would grow past 512 characters keeps its text
                                    and is listed
   morrowindize-text [OPTIONS]      clean each line of standard input as one response
+  npc-list FILE --cell TEXT [--format text|phpbb|html] [--no-clones] -o OUT
+                                   the NPCs placed in every cell whose name holds TEXT (any case),
+                                   as a work sheet; --no-clones leaves out guards and the like
 
 Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
   --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
@@ -216,6 +220,23 @@ int morrowindizeTextCommand(Context& c) {
     return 0;
 }
 
+int npcListCommand(Context& c) {
+    std::string name = c.args.value("--format", "text");
+    NpcListFormat format = NpcListFormat::PlainText;
+    if (name == "phpbb") format = NpcListFormat::PhpBB;
+    else if (name == "html") format = NpcListFormat::Html;
+    else if (name != "text") {
+        c.err << "quillon npc-list: --format takes text, phpbb or html\n";
+        return 2;
+    }
+    if (!openInput(c)) return 1;
+    c.dialogs.savePath = c.args.value("-o");
+    c.dialogs.inputAnswer = [&](const std::string&) { return c.args.value("--cell"); };
+    std::size_t mark = c.logged.size();
+    ExportNpcList(c.session, c.dialogs, format, c.args.has("--no-clones"));
+    return c.failedSince(mark) || c.logged.size() == mark ? 1 : 0;
+}
+
 const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
@@ -226,6 +247,8 @@ const std::vector<Command>& commands() {
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
         {"morrowindize", 1, kCleanupOptionsWith({"--yes"}), {"--unknown", "-o"}, morrowindizeCommand, {"-o"}},
         {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
+        {"npc-list", 1, {"--help", "--no-clones"}, {"--unknown", "--cell", "--format", "-o"}, npcListCommand,
+         {"--cell", "-o"}},
         {"quotes", 1, {"--help", "--ask-names"}, {"--unknown", "--city", "--format", "-o"}, quotesCommand,
          {"--city", "--format", "-o"}},
     };

@@ -1,0 +1,213 @@
+#include "npclist/npc_list.h"
+
+#include "app/text.h"
+#include "writer/safe_file.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <unordered_map>
+#include <vector>
+
+namespace quillon {
+
+const char* const kHomePage = "https://quillon.org/download";
+
+namespace {
+
+const char* const kBreak = "\r\n";
+
+struct Entry {
+    std::string name, gender, race, cls, faction;
+};
+
+// The seven fields of an entry with the colours the work sheet uses for them.
+struct Field {
+    const char* phpColour;
+    const char* htmlColour;
+};
+constexpr Field kFields[7] = {{"white", "#FFFFFF"}, {"red", "#FF0000"},   {"orange", "#FF9933"}, {"yellow", "#FFFF00"},
+                              {"green", "#00FF00"}, {"blue", "#0066FF"},  {"purple", "#800080"}};
+
+std::vector<std::string> values(const Entry& e) {
+    return {e.name, e.gender, e.race, e.cls, e.faction, "***Description***", "***To be asigned***"};
+}
+
+class Sheet {
+public:
+    Sheet(NpcListFormat format, const std::string& answer) : format_(format) { header(answer); }
+
+    void cellHeader(const std::string& title) {
+        switch (format_) {
+        case NpcListFormat::PhpBB: out_ += title + kBreak + kBreak + "[list]" + kBreak; break;
+        case NpcListFormat::PlainText: out_ += title + kBreak + kBreak; break;
+        case NpcListFormat::Html:
+            out_ += title + kBreak + "<br>" + kBreak + "<br>" + kBreak + "<ul>" + kBreak;
+            break;
+        }
+    }
+    void entry(const Entry& e) {
+        std::vector<std::string> v = values(e);
+        switch (format_) {
+        case NpcListFormat::PhpBB:
+            out_ += "[*]";
+            for (std::size_t i = 0; i < 7; ++i)
+                out_ += std::string("[color=") + kFields[i].phpColour + "]" + v[i] + "[/color]" + kBreak;
+            out_ += kBreak;
+            break;
+        case NpcListFormat::PlainText:
+            for (const std::string& value : v) out_ += value + kBreak;
+            out_ += kBreak;
+            break;
+        case NpcListFormat::Html:
+            out_ += std::string("<li>") + kBreak;
+            for (std::size_t i = 0; i < 7; ++i)
+                out_ += std::string("<font color=\"") + kFields[i].htmlColour + "\">" + v[i] + "</font><br>" + kBreak;
+            out_ += std::string("<br>") + kBreak + "</li>" + kBreak;
+            break;
+        }
+    }
+    void cellFooter() {
+        if (format_ == NpcListFormat::PhpBB) out_ += "[/list]";
+        if (format_ == NpcListFormat::Html) out_ += "</ul>";
+        out_ += std::string(kBreak) + kBreak + kBreak;
+    }
+    std::string finish(int count) {
+        out_ += "Total NPCs: " + std::to_string(count);
+        if (format_ == NpcListFormat::Html) out_ += std::string(kBreak) + "</body>" + kBreak + "</html>" + kBreak;
+        return std::move(out_);
+    }
+
+private:
+    void header(const std::string& answer) {
+        static const char* const legend[8] = {"White - Name",  "Red - Gender",       "Orange - Race",   "Yellow - Class",
+                                              "Green - Faction", "Blue - Description", "Purple - Writer", "Gray - DONE"};
+        static const char* const php[8] = {"white", "red", "orange", "yellow", "green", "blue", "purple", "gray"};
+        static const char* const html[8] = {"#FFFFFF", "#FF0000", "#FF9933", "#FFFF00",
+                                            "#00FF00", "#0066FF", "#800080", "#808080"};
+        if (format_ == NpcListFormat::PhpBB) {
+            out_ += std::string("COLOR CODE:") + kBreak;
+            for (int i = 0; i < 8; ++i)
+                out_ += std::string("[color=") + php[i] + "]" + legend[i] + "[/color]" + kBreak;
+            out_ += std::string(kBreak) + kBreak;
+        } else if (format_ == NpcListFormat::Html) {
+            const std::string b = kBreak;
+            out_ += "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\"" + b +
+                    "\"http://www.w3.org/TR/html4/loose.dtd\">" + b + "<html>" + b + "<head>" + b +
+                    "<meta http-equiv=\"Content-Language\" content=\"en-us\">" + b +
+                    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1252\">" + b +
+                    "<title>NPCs List for " + answer + " by Quillon</title>" + b + "</head>" + b +
+                    "<body bgcolor=\"#000000\" text=\"#00FFFF\">" + b + "<p align=\"center\">NPCs List for " + answer +
+                    " by <a href=\"" + kHomePage + "\">Quillon</a></p>" + b + "<br>" + b + "Color code:<br>" + b +
+                    "<br>" + b;
+            for (int i = 0; i < 8; ++i)
+                out_ += std::string("<font color=\"") + html[i] + "\">" + legend[i] + "</font><br>" + b;
+            out_ += "<br>" + b + "<br>" + b + "<br>" + b;
+        }
+    }
+
+    NpcListFormat format_;
+    std::string out_;
+};
+
+// The title of the NPC's rank in its faction, cut at its first NUL; empty when not found.
+std::string rankTitle(const RecordStore& store, const NpcRecord& npc) {
+    unsigned rank = npc.NPDTSize == 12 ? npc.NPDTShort[4] : npc.NPDT[46];
+    for (const FactRecord& f : store.FACT) {
+        if (!equalsIgnoreCase(f.NAME, npc.ANAM)) continue;
+        return rank < f.Ranks.size() ? fixedText(f.Ranks[rank].RNAM) : std::string();
+    }
+    return {};
+}
+
+Entry entryFor(const RecordStore& store, const NpcRecord& npc) {
+    Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None"};
+    if (npc.ANAM.size() >= 2) e.faction = npc.ANAM + ", " + rankTitle(store, npc);
+    return e;
+}
+
+std::string cellTitle(const CellRecord& cell) {
+    std::string title = cell.NAME;
+    // A region marks an exterior cell, whose grid is shown.
+    if (cell.RGNNSize != 0) title += " (" + std::to_string(cell.GridX) + ", " + std::to_string(cell.GridY) + ")";
+    return title + ":";
+}
+
+} // namespace
+
+bool isClone(const std::string& name) {
+    // Tested in this order; three are parts of names, the rest whole names.
+    static const char* const tests[] = {"guard",      "ordinator",      "dead ordinator", "imperial archer",
+                                        "dreamer",    "dead dreamer",   "dreamer worker", "adventurer",
+                                        "player",     "vampire",        "playersavegame", "egg miner",
+                                        "dead egg miner", "dead body",  "sharpshooter",   "cattle",
+                                        "buoyant armiger", "worshipper"};
+    for (const char* test : tests) {
+        std::string_view t = test;
+        bool part = t == "guard" || t == "adventurer" || t == "sharpshooter";
+        if (part ? containsIgnoreCase(name, t) : equalsIgnoreCase(name, t)) return true;
+    }
+    return false;
+}
+
+void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
+    // The checks read the displayed counts, not the store.
+    if (session.counts.number(7) <= 0) {
+        dialogs.message("No cells found in current file.", Buttons::Ok, Icon::None, "");
+        return;
+    }
+    if (session.counts.number(29) <= 0) {
+        dialogs.message("No NPCs found in current file.", Buttons::Ok, Icon::None, "");
+        return;
+    }
+    FileRequest request;
+    request.filter = format == NpcListFormat::Html ? "HTML files (*.htm, *.html)|*.htm;*.html|All Files (*.*)| *.*"
+                                                   : "Text Files (*.txt)|*.txt|All Files (*.*)| *.*";
+    request.defaultExtension = format == NpcListFormat::Html ? ".htm" : ".txt";
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.saveFile(request);
+    if (path.empty()) return;
+    std::error_code ec;
+    std::filesystem::remove(path, ec); // the old list goes at once, even if no cell name follows
+    std::string answer = dialogs.input("Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
+    if (answer.empty()) return;
+    std::string dataName = bareName(session.currentPath);
+    session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
+    dialogs.refreshLog();
+
+    const RecordStore& store = session.store;
+    std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
+    for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
+
+    // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
+    Sheet sheet(format, answer);
+    int count = 0;
+    for (const CellRecord& cell : store.CELL) {
+        if (!containsIgnoreCase(cell.NAME, answer)) continue;
+        bool listed = false;
+        for (const CellReference& ref : cell.References) {
+            auto found = npcsById.find(foldedKey(ref.NAME));
+            if (found == npcsById.end()) continue;
+            for (std::size_t i : found->second) {
+                const NpcRecord& npc = store.NPC_[i];
+                if (skipClones && isClone(npc.FNAM)) continue;
+                if (!listed) sheet.cellHeader(cellTitle(cell));
+                listed = true;
+                sheet.entry(entryFor(store, npc));
+                ++count;
+            }
+        }
+        if (listed) sheet.cellFooter();
+    }
+    std::string error = replaceFileSafely(path, sheet.finish(count));
+    if (!error.empty()) {
+        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok, Icon::Critical, "");
+        session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");
+        return;
+    }
+    if (count > 0)
+        session.log.LogLine("-Listed " + std::to_string(count) + " NPCs in \"" + bareName(path) + "\" successfully.");
+    else
+        session.log.LogLine("-No NPCs found in given cell in \"" + dataName + "\"");
+}
+
+} // namespace quillon

@@ -1,0 +1,20 @@
+#pragma once
+#include "app/session.h"
+
+#include <string>
+
+namespace quillon {
+
+enum class NpcListFormat { PlainText, PhpBB, Html };
+
+// The page the HTML work sheet links to.
+extern const char* const kHomePage;
+
+// Writes every NPC placed in the cells whose names hold the typed text as a work sheet for
+// dialogue writers. With skipClones, generic NPCs (guards, ordinators and the like) are left out.
+void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
+
+// True for the generic NPCs that the clones filter leaves out, by display name.
+bool isClone(const std::string& name);
+
+} // namespace quillon

@@ -1,0 +1,133 @@
+#include "app/file_commands.h"
+#include "helpers.h"
+#include "npclist/npc_list.h"
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+std::string npc(const std::string& id, const std::string& name, const std::string& faction, bool female,
+                bool shortForm, std::uint8_t rank) {
+    std::string stats = shortForm ? std::string(12, '\0') : std::string(52, '\0');
+    stats[shortForm ? 4 : 46] = char(rank);
+    return Rec("NPC_")
+        .z("NAME", id)
+        .z("FNAM", name)
+        .z("RNAM", "Dark Elf")
+        .z("CNAM", "Smith")
+        .z("ANAM", faction)
+        .sub("NPDT", stats)
+        .i32("FLAG", female ? 1 : 0)
+        .bytes();
+}
+
+std::string refs(std::initializer_list<const char*> ids) {
+    std::string out;
+    for (const char* id : ids)
+        out += "FRMR" + le32(4) + le32(1) + "NAME" + le32(std::int32_t(std::strlen(id) + 1)) + id + std::string(1, '\0');
+    return out;
+}
+
+// Two cells (one exterior), NPCs with and without faction, both statistic forms, a clone, an NPC
+// placed twice and an ID held by two records.
+std::string smallWorld() {
+    Rec guild("FACT");
+    guild.z("NAME", "Fighters Guild").z("FNAM", "Fighters Guild");
+    for (const char* rank : {"Associate", "Apprentice", "Journeyman"}) guild.sub("RNAM", fixed(rank, 32));
+    return file(0, {guild.bytes(),
+                    npc("smith", "Hlaren Ramoran", "fighters guild", false, false, 2),
+                    npc("aunt", "Ilmeni Dren", "", true, true, 0),
+                    npc("guard", "Imperial Guard", "", false, true, 0),
+                    npc("odd", "Odd One", "x", false, true, 0),
+                    npc("twin", "First Twin", "Fighters Guild", true, true, 1),
+                    npc("TWIN", "Second Twin", "Fighters Guild", false, true, 7),
+                    Rec("CELL").z("NAME", "Balmora, Guild").sub("DATA", le32(1) + le32(0) + le32(0))
+                        .raw(refs({"smith", "aunt", "guard", "aunt"})).bytes(),
+                    Rec("CELL").z("NAME", "Bitter Coast").sub("DATA", le32(0) + le32(-3) + le32(7))
+                        .z("RGNN", "Bitter Coast Region").raw(refs({"odd", "twin", "nobody"})).bytes(),
+                    Rec("CELL").z("NAME", "Balmora, Empty").sub("DATA", le32(1) + le32(0) + le32(0)).bytes()});
+}
+
+struct Listed {
+    std::string output, log;
+    std::vector<std::string> messages;
+};
+
+Listed list(const std::string& world, NpcListFormat format, bool skipClones, const std::string& cell) {
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("w.esp", world));
+    d.savePaths = {dir.file("list.out")};
+    d.inputs = {cell};
+    ExportNpcList(s, d, format, skipClones);
+    return {readAll(dir.file("list.out")), s.log.caption(), d.messages};
+}
+
+void expectGolden(const std::string& output, const std::string& name) {
+    std::string path = std::string(QUILLON_GOLDEN) + "/" + name;
+    if (std::getenv("QUILLON_UPDATE_GOLDEN")) std::ofstream(path, std::ios::binary) << output;
+    EXPECT_TRUE(output == readAll(path)) << "differs from " << path;
+}
+
+} // namespace
+
+TEST(NpcList, MatchesTheGoldenSheets) {
+    expectGolden(list(smallWorld(), NpcListFormat::PlainText, false, "a").output, "npc_list.txt");
+    expectGolden(list(smallWorld(), NpcListFormat::PhpBB, false, "a").output, "npc_list_phpbb.txt");
+    Listed html = list(smallWorld(), NpcListFormat::Html, true, "A");
+    expectGolden(html.output, "npc_list.htm");
+    EXPECT_NE(html.log.find("-Generating NPC List for cell \"*A*\" from \"w.esp\"...\r\n-Listed 6 NPCs in "
+                            "\"list.out\" successfully.\r\n"),
+              std::string::npos);
+}
+
+TEST(NpcList, ValuesOfOneEntry) {
+    std::string out = list(smallWorld(), NpcListFormat::PlainText, false, "guild").output;
+    EXPECT_NE(out.find("Balmora, Guild:\r\n\r\nHlaren Ramoran\r\nM\r\nDark Elf\r\nSmith\r\nfighters guild, Journeyman\r\n"
+                       "***Description***\r\n***To be asigned***\r\n\r\n"),
+              std::string::npos);
+    EXPECT_NE(out.find("Ilmeni Dren\r\nF\r\n"), std::string::npos);
+    EXPECT_EQ(out.substr(out.size() - 13), "Total NPCs: 4"); // the NPC placed twice is listed twice
+    std::string coast = list(smallWorld(), NpcListFormat::PlainText, false, "coast").output;
+    EXPECT_EQ(coast.find("Bitter Coast (-3, 7):\r\n\r\nOdd One\r\nM\r\nDark Elf\r\nSmith\r\nNone\r\n"), 0u);
+    EXPECT_NE(coast.find("First Twin\r\nF\r\nDark Elf\r\nSmith\r\nFighters Guild, Apprentice\r\n"), std::string::npos);
+    EXPECT_NE(coast.find("Second Twin\r\nM\r\nDark Elf\r\nSmith\r\nFighters Guild, \r\n"), std::string::npos); // no rank 7
+}
+
+TEST(NpcList, ClonesFilter) {
+    for (const char* clone : {"Imperial Guard", "Ordinator Guard", "Dreamer", "dead body", "Adventurer Bob", "CATTLE"})
+        EXPECT_TRUE(isClone(clone)) << clone;
+    for (const char* person : {"Dreamer Prophet", "Ordinator Captain", "Playful", "Vampire Hunter"})
+        EXPECT_FALSE(isClone(person)) << person;
+}
+
+TEST(NpcList, NothingToListAndDisplayedCounts) {
+    Listed none = list(smallWorld(), NpcListFormat::PlainText, false, "Empty");
+    EXPECT_EQ(none.output, "Total NPCs: 0");
+    EXPECT_NE(none.log.find("-No NPCs found in given cell in \"w.esp\"\r\n"), std::string::npos);
+
+    Listed noCells = list(file(0, {npc("a", "A", "", false, true, 0)}), NpcListFormat::PlainText, false, "x");
+    EXPECT_EQ(noCells.messages, std::vector<std::string>{"No cells found in current file."});
+
+    // The test reads the display: a store with NPCs but a display showing none stops at once.
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("w.esp", smallWorld()));
+    s.counts.shown[29] = "0";
+    ExportNpcList(s, d, NpcListFormat::Html, false);
+    EXPECT_EQ(d.messages.back(), "No NPCs found in current file.");
+    EXPECT_TRUE(d.fileRequests.empty());
+}
+
+TEST(Corpus, NpcListsOfEveryFileWithCellsAndNpcs) {
+    QUILLON_NEED_CORPUS();
+    for (const std::string& path : corpusFiles()) {
+        Listed l = list(readAll(path), NpcListFormat::Html, true, "a");
+        if (!l.messages.empty()) continue; // no cells or no NPCs
+        EXPECT_NE(l.output.find("Total NPCs: "), std::string::npos) << path;
+        EXPECT_EQ(l.output.substr(l.output.size() - 9), "</html>\r\n") << path;
+    }
+}
