@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -111,6 +112,18 @@ inline std::string readAll(const std::string& path) {
 }
 
 // The corpus of real files: $QUILLON_CORPUS, or the folder beside the project.
+// The records of a file's bytes, each as its bytes, found by their stored sizes.
+inline std::vector<std::string> splitRecords(const std::string& bytes) {
+    std::vector<std::string> out;
+    for (std::size_t p = 0; p + 16 <= bytes.size();) {
+        std::int32_t size;
+        std::memcpy(&size, bytes.data() + p + 4, 4);
+        out.push_back(bytes.substr(p, 16 + std::size_t(size)));
+        p += 16 + std::size_t(size);
+    }
+    return out;
+}
+
 inline std::string corpusDir() {
     const char* set = std::getenv("QUILLON_CORPUS");
     return set && *set ? set : QUILLON_CORPUS;

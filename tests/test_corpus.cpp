@@ -18,12 +18,7 @@ struct Walk {
 // Counts records by tag, following each record's size word.
 Walk plainWalk(const std::string& bytes) {
     Walk w;
-    for (std::size_t p = 0; p + 16 <= bytes.size();) {
-        std::int32_t size;
-        std::memcpy(&size, bytes.data() + p + 4, 4);
-        ++w.counts[bytes.substr(p, 4)];
-        p += 16 + std::size_t(size);
-    }
+    for (const std::string& record : splitRecords(bytes)) ++w.counts[record.substr(0, 4)];
     return w;
 }
 
@@ -149,12 +144,7 @@ TEST(Corpus, RecordsComeBackByteForByteBarTheStatedAsymmetries) {
         std::string saved = serialiseStore(first->store, first->count, fileTypeFor(path), prompts);
         std::map<std::string, std::vector<std::string>> before, after;
         auto split = [](const std::string& bytes, std::map<std::string, std::vector<std::string>>& into) {
-            for (std::size_t p = 0; p + 16 <= bytes.size();) {
-                std::int32_t size;
-                std::memcpy(&size, bytes.data() + p + 4, 4);
-                into[bytes.substr(p, 4)].push_back(bytes.substr(p, 16 + std::size_t(size)));
-                p += 16 + std::size_t(size);
-            }
+            for (std::string& record : splitRecords(bytes)) into[record.substr(0, 4)].push_back(std::move(record));
         };
         split(original, before);
         split(saved, after);

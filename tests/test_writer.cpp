@@ -8,18 +8,6 @@ using namespace quillon::test;
 
 namespace {
 
-// The records of a serialised file, each as its bytes.
-std::vector<std::string> records(const std::string& bytes) {
-    std::vector<std::string> out;
-    for (std::size_t p = 0; p + 16 <= bytes.size();) {
-        std::int32_t size;
-        std::memcpy(&size, bytes.data() + p + 4, 4);
-        out.push_back(bytes.substr(p, 16 + std::size_t(size)));
-        p += 16 + std::size_t(size);
-    }
-    return out;
-}
-
 std::string tags(const std::vector<std::string>& recs) {
     std::string out;
     for (const std::string& r : recs) out += r.substr(0, 4) + " ";
@@ -38,7 +26,7 @@ RecordStore readStore(const std::string& bytes) {
 std::vector<std::string> rewrite(std::initializer_list<std::string> input, std::int32_t fileType = 0) {
     RecordStore store = readStore(file(0, input));
     ScriptedPrompts prompts;
-    std::vector<std::string> out = records(serialiseStore(store, 1, fileType, prompts));
+    std::vector<std::string> out = splitRecords(serialiseStore(store, 1, fileType, prompts));
     out.erase(out.begin());
     return out;
 }
