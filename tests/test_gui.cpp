@@ -1,0 +1,158 @@
+// The window offscreen with scripted dialogs, so that no test waits on a modal dialog.
+#include "cleanup/frm_options.h"
+#include "dialogue/frm_info.h"
+#include "dialogue/frm_info2.h"
+#include "helpers.h"
+#include "ui/frm_main.h"
+#include "ui/qt_dialogs.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+struct Window {
+    Session session;
+    ScriptedDialogs dialogs;
+    FrmMain window{session, &dialogs};
+    TempDir dir;
+
+    Window() {
+        window.show();
+        window.activateWindow();
+        QApplication::setActiveWindow(&window);
+    }
+    template <class T = QWidget> T* find(const char* name) { return window.findChild<T*>(name); }
+    QAction* action(const char* name) { return window.findChild<QAction*>(name); }
+    void key(Qt::Key k, Qt::KeyboardModifiers m) { QTest::keyClick(find<QPushButton>("cmdExport"), k, m); }
+    std::string open() {
+        std::string path = dir.write("w.esp", file(2, {Rec("STAT").z("NAME", "s").z("MODL", "m").bytes(),
+                                                       Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()}));
+        dialogs.openPaths = {path};
+        key(Qt::Key_O, Qt::ControlModifier);
+        return path;
+    }
+};
+
+} // namespace
+
+TEST(MainWindow, CaptionsAndStartingState) {
+    Window w;
+    EXPECT_EQ(w.window.windowTitle(), "Quillon");
+    EXPECT_EQ(w.find<QPushButton>("cmdExport")->text(), "Ex&port ");
+    EXPECT_EQ(w.find<QPushButton>("cmdList")->toolTip(), "This will export a list of NPCs and their details from a chosen cell.");
+    EXPECT_EQ(w.find<QCheckBox>("chkClones")->toolTip(),
+              "Checking this will allow exporitng of Clone NPCs, such as guards, \"cattle\", and the like.");
+    EXPECT_EQ(w.find<QLabel>("lblSaves")->text(), "Savegames Specific");
+    EXPECT_EQ(w.find<QLabel>("lblRecName44")->text(), "Total:");
+    for (const char* name : {"cmdExport", "cmdImport", "cmdLoops", "cmdSpellCheck", "cmdOptions", "cmdList"})
+        EXPECT_FALSE(w.find(name)->isEnabled()) << name;
+    EXPECT_FALSE(w.action("mnuSave")->isEnabled());
+    EXPECT_TRUE(w.action("mnuOpen")->isEnabled());
+    EXPECT_TRUE(w.find("optPure")->isEnabled());
+}
+
+TEST(MainWindow, ShortcutsOpenSaveAndClose) {
+    Window w;
+    w.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier); // Save As disabled: nothing
+    EXPECT_TRUE(w.dialogs.fileRequests.empty());
+    std::string path = w.open();
+    EXPECT_EQ(w.dialogs.fileRequests.size(), 1u);
+    EXPECT_TRUE(w.find("cmdLoops")->isEnabled());
+    EXPECT_TRUE(w.action("mnuClose")->isEnabled());
+    EXPECT_EQ(w.find<QLabel>("lblCount39")->text(), "1");
+    EXPECT_EQ(w.find<QLabel>("lblCount44")->text(), "3");
+
+    w.key(Qt::Key_D, Qt::ControlModifier); // no key for loop detection
+    EXPECT_EQ(w.session.log.caption().find("-Checking"), std::string::npos);
+    w.key(Qt::Key_S, Qt::ControlModifier | Qt::AltModifier); // shift state 6: Save
+    EXPECT_NE(w.session.log.caption().find("-Finished writing \"w.esp\""), std::string::npos);
+    w.dialogs.savePaths = {""};
+    w.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier); // Save As asks for a file
+    EXPECT_EQ(w.dialogs.fileRequests.back().filterIndex, 2);
+
+    for (int i = 0; i < 8; ++i) w.key(Qt::Key_C, Qt::ControlModifier); // the first closes, the rest are disabled
+    EXPECT_FALSE(w.find("cmdExport")->isEnabled());
+    EXPECT_EQ(w.find<QLabel>("lblCount44")->text(), "0");
+    QString log = w.find<QLabel>("lblLog")->text();
+    EXPECT_EQ(log.count(QChar(0x0A)), 5); // the newest six lines only
+    EXPECT_TRUE(log.endsWith("-Closed \"w.esp\" successfully."));
+}
+
+TEST(FrmInfo, LengthLimitAndActorLabel) {
+    FrmInfo form("fargoth the elder", "Background", "Hi\r\nthere");
+    auto* length = form.findChild<QLabel*>("lblLength");
+    EXPECT_EQ(length->text(), "Length: 9"); // the line break counts two
+    EXPECT_EQ(form.findChild<QLabel*>("lblActor")->text(), "Actor: Fargoth The Elder");
+    auto* text = form.findChild<QPlainTextEdit*>("txtINFO");
+    text->setPlainText(QString(513, 'a'));
+    EXPECT_FALSE(form.findChild<QPushButton*>("cmdAccept")->isEnabled());
+    text->setPlainText(QString(512, 'a'));
+    EXPECT_TRUE(form.findChild<QPushButton*>("cmdAccept")->isEnabled());
+    QTest::mouseClick(form.findChild<QPushButton*>("cmdAccept"), Qt::LeftButton);
+    EXPECT_EQ(form.text(), std::string(512, 'a'));
+
+    FrmInfo journal("Journal Entry", "Quest", "x");
+    EXPECT_EQ(journal.findChild<QLabel*>("lblActor")->text(), "Journal Entry");
+    journal.findChild<QPlainTextEdit*>("txtINFO")->setPlainText("changed");
+    QTest::mouseClick(journal.findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+    EXPECT_EQ(journal.text(), "x");
+}
+
+TEST(FrmInfo2, StatusesAndTexts) {
+    for (auto [name, status] : {std::pair{"cmdAccept", 0}, {"cmdCancel", 1}, {"cmdSkip", 2}}) {
+        FrmInfo2 form("a", "T", "text", "Choice \"x\" 3", 3);
+        EXPECT_EQ(form.findChild<QLabel*>("lblChoice")->text(), "Choice: 3");
+        form.findChild<QPlainTextEdit*>("txtResult")->setPlainText("Goodbye");
+        QTest::mouseClick(form.findChild<QPushButton*>(name), Qt::LeftButton);
+        EXPECT_EQ(form.status(), status);
+        EXPECT_EQ(form.result(), status == 0 ? "Goodbye" : "Choice \"x\" 3");
+    }
+}
+
+TEST(FrmOptions, LoadOkCancelAndTheEllipsisRule) {
+    CleanupSettings settings;
+    settings.isSentences = true;
+    settings.isEllipsis = true;
+    {
+        FrmOptions form(settings);
+        EXPECT_EQ(form.windowTitle(), "Quillon Options");
+        EXPECT_EQ(form.findChild<QCheckBox*>("chkCap")->toolTip(), "Capiotalize the first letter in every new sentence.");
+        EXPECT_TRUE(form.findChild<QCheckBox*>("chkEllipsis")->isChecked());
+        form.findChild<QCheckBox*>("chkCap")->click();
+        EXPECT_FALSE(form.findChild<QCheckBox*>("chkEllipsis")->isChecked());
+        EXPECT_FALSE(form.findChild<QCheckBox*>("chkEllipsis")->isEnabled());
+        form.findChild<QCheckBox*>("chkSlang")->setChecked(true);
+        QTest::mouseClick(form.findChild<QPushButton*>("cmdOptCancel"), Qt::LeftButton);
+    }
+    EXPECT_TRUE(settings.isEllipsis); // Cancel keeps every setting
+    EXPECT_FALSE(settings.isSlang);
+    FrmOptions form(settings);
+    form.findChild<QCheckBox*>("chkSlang")->setChecked(true);
+    QTest::mouseClick(form.findChild<QPushButton*>("cmdOptOk"), Qt::LeftButton);
+    EXPECT_TRUE(settings.isSlang);
+    EXPECT_TRUE(settings.isSentences);
+}
+
+TEST(QtDialogs, FiltersKeepTheirPatterns) {
+    QStringList filters = toQtFilters(
+        "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP| All Files (*.*)| *.*");
+    ASSERT_EQ(filters.size(), 3);
+    EXPECT_EQ(filters[0], "Elder Scrolls Master File (*.ESM) (*.ESM *.esm)");
+    EXPECT_EQ(filters[2], "All Files (*.*) (*.*)");
+}
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

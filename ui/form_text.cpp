@@ -1,0 +1,28 @@
+#include "ui/form_text.h"
+
+#include "ui/code_page.h"
+
+#include <QMessageBox>
+
+namespace quillon {
+
+QString toEditor(const std::string& bytes) {
+    QString text = fromCodePage(bytes);
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return text;
+}
+
+std::optional<std::string> fromEditor(QWidget* parent, const QString& text) {
+    QString withBreaks = text;
+    withBreaks.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
+    std::optional<std::string> bytes = toCodePage(withBreaks);
+    if (!bytes)
+        QMessageBox::warning(parent, QStringLiteral("Quillon"),
+                             QStringLiteral("The text holds characters that the file's code page (Windows-1252) "
+                                            "cannot store. Replace them and try again."));
+    return bytes;
+}
+
+int fileLength(const QString& editorText) { return int(editorText.size() + editorText.count(QChar('\n'))); }
+
+} // namespace quillon

@@ -1,0 +1,123 @@
+#include "ui/qt_dialogs.h"
+
+#include "cleanup/frm_options.h"
+#include "dialogue/frm_info.h"
+#include "dialogue/frm_info2.h"
+#include "ui/code_page.h"
+#include "ui/frm_about.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+
+namespace quillon {
+
+namespace {
+
+QString shown(const std::string& bytes) {
+    QString text = fromCodePage(bytes);
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return text;
+}
+
+QString titleOf(const std::string& title) { return title.empty() ? QStringLiteral("Quillon") : fromCodePage(title); }
+
+} // namespace
+
+QStringList toQtFilters(const std::string& filter) {
+    QStringList parts = QString::fromStdString(filter).split('|');
+    QStringList out;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QStringList patterns;
+        for (const QString& p : parts[i + 1].split(';')) {
+            QString pattern = p.trimmed();
+            if (pattern.isEmpty()) continue;
+            patterns << pattern;
+            if (pattern.toLower() != pattern) patterns << pattern.toLower();
+        }
+        out << parts[i].trimmed() + " (" + patterns.join(' ') + ")";
+    }
+    return out;
+}
+
+Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) {
+    QMessageBox box(owner_);
+    box.setWindowTitle(titleOf(title));
+    box.setText(shown(text));
+    switch (icon) {
+    case Icon::None: box.setIcon(QMessageBox::NoIcon); break;
+    case Icon::Information: box.setIcon(QMessageBox::Information); break;
+    case Icon::Question: box.setIcon(QMessageBox::Question); break;
+    case Icon::Warning: box.setIcon(QMessageBox::Warning); break;
+    case Icon::Critical: box.setIcon(QMessageBox::Critical); break;
+    }
+    switch (buttons) {
+    case Buttons::Ok: box.setStandardButtons(QMessageBox::Ok); break;
+    case Buttons::YesNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+    case Buttons::YesNoCancel: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel); break;
+    }
+    if (buttons != Buttons::Ok) box.setDefaultButton(QMessageBox::Yes);
+    switch (box.exec()) {
+    case QMessageBox::Yes: return Answer::Yes;
+    case QMessageBox::No: return Answer::No;
+    case QMessageBox::Cancel: return Answer::Cancel;
+    default: return buttons == Buttons::Ok ? Answer::Ok : Answer::Cancel;
+    }
+}
+
+std::string QtDialogs::input(const std::string& prompt, const std::string& title, const std::string& defaultText) {
+    bool ok = false;
+    QString typed = QInputDialog::getText(owner_, titleOf(title), shown(prompt), QLineEdit::Normal,
+                                          fromCodePage(defaultText), &ok);
+    if (!ok) return {};
+    std::optional<std::string> bytes = toCodePage(typed);
+    if (!bytes) {
+        message("The text holds characters that the file's code page (Windows-1252) cannot store.", Buttons::Ok,
+                Icon::Warning, "");
+        return {};
+    }
+    return *bytes;
+}
+
+std::string QtDialogs::chooseFile(const FileRequest& request, bool save) {
+    QFileDialog dialog(owner_);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    QStringList filters = toQtFilters(request.filter);
+    dialog.setNameFilters(filters);
+    if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
+        dialog.selectNameFilter(filters[request.filterIndex - 1]);
+    if (!request.initialFolder.empty()) dialog.setDirectory(QString::fromStdString(request.initialFolder));
+    if (!request.defaultExtension.empty()) dialog.setDefaultSuffix(QString::fromStdString(request.defaultExtension).remove(0, 1));
+    if (save && !(request.flags & PromptOverwrite)) dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().front().toStdString();
+}
+
+std::string QtDialogs::openFile(const FileRequest& request) { return chooseFile(request, false); }
+std::string QtDialogs::saveFile(const FileRequest& request) { return chooseFile(request, true); }
+
+std::string QtDialogs::editResponse(const std::string& actor, const std::string& topic, const std::string& text) {
+    FrmInfo form(actor, topic, text, owner_);
+    form.exec();
+    return form.text();
+}
+
+LoopFix QtDialogs::fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
+                           const std::string& result, std::int32_t choice) {
+    FrmInfo2 form(actor, topic, text, result, choice, owner_);
+    form.exec();
+    return {form.status(), form.text(), form.result()};
+}
+
+void QtDialogs::editOptions(CleanupSettings& settings) {
+    FrmOptions form(settings);
+    form.exec();
+}
+
+void QtDialogs::about() {
+    FrmAbout form(owner_);
+    form.exec();
+}
+
+} // namespace quillon
