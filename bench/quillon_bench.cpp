@@ -1,0 +1,176 @@
+// Times every command of Quillon on a synthetic master and reports median milliseconds, MB/s,
+// peak memory and the ratio to one plain read of the file.
+//   quillon_bench generate OUT.esm [--scale S]
+//   quillon_bench run FILE.esm [--runs N]
+//   quillon_bench one COMMAND FILE.esm        (one command in a fresh process, for its memory)
+#include "app/file_commands.h"
+#include "bench/synthetic_master.h"
+#include "cleanup/morrowindize.h"
+#include "dialogue/dialogue_commands.h"
+#include "npclist/npc_list.h"
+#include "records/es_read.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace quillon;
+
+namespace {
+
+// Answers every question the way a batch run would: keep unknown records, trim over-long texts,
+// skip loop findings, export to scratch files.
+class BenchDialogs : public Dialogs {
+public:
+    std::string scratch;
+    Answer message(const std::string& text, Buttons, Icon, const std::string&) override {
+        if (text.rfind("Do you want to remove", 0) == 0) return Answer::No;
+        return Answer::Cancel;
+    }
+    std::string input(const std::string& prompt, const std::string&, const std::string&) override {
+        return prompt.rfind("Enter any part", 0) == 0 ? "Vivec" : "Vivec";
+    }
+    std::string openFile(const FileRequest&) override { return scratch + ".txt"; }
+    std::string saveFile(const FileRequest&) override { return scratch + ".out"; }
+    std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
+    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text, const std::string& result,
+                    std::int32_t) override {
+        return {2, text, result};
+    }
+    void editOptions(CleanupSettings&) override {}
+    void about() override {}
+    void refreshLog() override {}
+};
+
+using Clock = std::chrono::steady_clock;
+
+struct Command {
+    const char* name;
+    // Untimed preparation of a fresh session, then the timed work.
+    std::function<void(Session&, BenchDialogs&, const std::string& file)> prepare, run;
+};
+
+CleanupSettings allOptions() {
+    CleanupSettings s;
+    for (bool* b : {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang, &s.isTemple,
+                    &s.isDashes, &s.isEllipsis, &s.isSquare, &s.isDashSpaces})
+        *b = true;
+    return s;
+}
+
+const std::vector<Command>& commands() {
+    auto open = [](Session& s, BenchDialogs& d, const std::string& f) { openPath(s, d, f); };
+    auto nothing = [](Session&, BenchDialogs&, const std::string&) {};
+    static const std::vector<Command> list = {
+        {"read", nothing,
+         [](Session&, BenchDialogs&, const std::string& f) {
+             std::string error;
+             std::string bytes = loadFile(f, error);
+             if (bytes.empty()) std::abort();
+         }},
+        {"open", nothing, open},
+        {"save", open, [](Session& s, BenchDialogs& d, const std::string&) { saveAsPath(s, d, d.scratch + ".esm"); }},
+        {"export", open, [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
+        {"import",
+         [](Session& s, BenchDialogs& d, const std::string& f) {
+             openPath(s, d, f);
+             exportDialogueTo(s, d, d.scratch + ".txt");
+         },
+         [](Session& s, BenchDialogs& d, const std::string&) { importDialogueFrom(s, d, d.scratch + ".txt"); }},
+        {"loops", open, [](Session& s, BenchDialogs& d, const std::string&) { DetectLoops(s, d); }},
+        {"morrowindize-none", open, [](Session& s, BenchDialogs& d, const std::string&) { Morrowindize(s, d); }},
+        {"morrowindize-all",
+         [](Session& s, BenchDialogs& d, const std::string& f) {
+             openPath(s, d, f);
+             s.settings = allOptions();
+         },
+         [](Session& s, BenchDialogs& d, const std::string&) { Morrowindize(s, d); }},
+        {"npc-list", open,
+         [](Session& s, BenchDialogs& d, const std::string&) { ExportNpcList(s, d, NpcListFormat::Html, false); }},
+        {"quotes-xml", open, [](Session& s, BenchDialogs& d, const std::string&) { ExportQuotesXml(s, d); }},
+        {"quotes-kst", open, [](Session& s, BenchDialogs& d, const std::string&) { ExportQuotesKst(s, d); }},
+    };
+    return list;
+}
+
+std::string scratchBase() {
+    return (std::filesystem::temp_directory_path() / ("quillon-bench-" + std::to_string(::getpid()))).string();
+}
+
+double timeOnce(const Command& c, const std::string& file) {
+    Session session;
+    BenchDialogs dialogs;
+    dialogs.scratch = scratchBase();
+    c.prepare(session, dialogs, file);
+    Clock::time_point start = Clock::now();
+    c.run(session, dialogs, file);
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Peak memory of the command alone, in a fresh process (preparation included), in MB.
+double peakMegabytes(const char* self, const Command& c, const std::string& file) {
+    pid_t child = ::fork();
+    if (child == 0) {
+        ::execl(self, self, "one", c.name, file.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    int status = 0;
+    struct rusage usage {};
+    ::wait4(child, &status, 0, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+int run(const char* self, const std::string& file, int runs) {
+    double megabytes = double(std::filesystem::file_size(file)) / (1024.0 * 1024.0);
+    std::printf("file %s: %.1f MB, median of %d runs\n\n", file.c_str(), megabytes, runs);
+    std::printf("%-18s %10s %10s %10s %12s\n", "command", "ms", "MB/s", "x read", "peak MB");
+    double readMs = 0;
+    for (const Command& c : commands()) {
+        std::vector<double> times;
+        for (int i = 0; i < runs; ++i) times.push_back(timeOnce(c, file));
+        std::sort(times.begin(), times.end());
+        double median = times[times.size() / 2];
+        if (std::strcmp(c.name, "read") == 0) readMs = median;
+        std::printf("%-18s %10.1f %10.0f %10.1f %12.1f\n", c.name, median, megabytes / (median / 1000.0),
+                    readMs > 0 ? median / readMs : 0.0, peakMegabytes(self, c, file));
+        std::fflush(stdout);
+    }
+    for (const char* ext : {".esm", ".txt", ".out"}) std::filesystem::remove(scratchBase() + ext);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.size() >= 2 && args[0] == "generate") {
+        double scale = args.size() >= 4 && args[2] == "--scale" ? std::stod(args[3]) : 1.0;
+        std::string bytes = bench::syntheticMaster(scale);
+        std::ofstream(args[1], std::ios::binary) << bytes;
+        std::printf("%s: %.1f MB\n", args[1].c_str(), double(bytes.size()) / (1024.0 * 1024.0));
+        return 0;
+    }
+    if (args.size() >= 2 && args[0] == "run") {
+        int runs = args.size() >= 4 && args[2] == "--runs" ? std::stoi(args[3]) : 5;
+        return run(argv[0], args[1], runs);
+    }
+    if (args.size() == 3 && args[0] == "one") {
+        for (const Command& c : commands())
+            if (args[1] == c.name) timeOnce(c, args[2]);
+        for (const char* ext : {".esm", ".txt", ".out"}) std::filesystem::remove(scratchBase() + ext);
+        return 0;
+    }
+    std::fprintf(stderr, "usage: quillon_bench generate OUT.esm [--scale S] | run FILE [--runs N]\n");
+    return 2;
+}
