@@ -1,31 +1,9 @@
 #include "app/text.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace quillon {
-
-namespace {
-
-struct FoldTable {
-    unsigned char lower[256];
-    unsigned char upper[256];
-    FoldTable() {
-        for (int c = 0; c < 256; ++c) lower[c] = upper[c] = static_cast<unsigned char>(c);
-        auto pair = [&](int up, int low) {
-            lower[up] = static_cast<unsigned char>(low);
-            upper[low] = static_cast<unsigned char>(up);
-        };
-        for (int c = 'A'; c <= 'Z'; ++c) pair(c, c + 32);
-        pair(0x8A, 0x9A), pair(0x8C, 0x9C), pair(0x8E, 0x9E), pair(0x9F, 0xFF);
-        for (int c = 0xC0; c <= 0xDE; ++c)
-            if (c != 0xD7) pair(c, c + 32);
-    }
-};
-const FoldTable kFold;
-
-unsigned char upperCase(unsigned char c) { return kFold.upper[c]; }
-
-} // namespace
-
-unsigned char foldCase(unsigned char c) { return kFold.lower[c]; }
 
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
@@ -36,11 +14,24 @@ bool equalsIgnoreCase(std::string_view a, std::string_view b) {
 
 std::size_t findIgnoreCase(std::string_view hay, std::string_view needle, std::size_t from) {
     if (needle.empty()) return from <= hay.size() ? from : std::string_view::npos;
-    if (needle.size() > hay.size()) return std::string_view::npos;
-    unsigned char first = foldCase(static_cast<unsigned char>(needle[0]));
-    for (std::size_t i = from; i + needle.size() <= hay.size(); ++i) {
-        if (foldCase(static_cast<unsigned char>(hay[i])) != first) continue;
-        if (equalsIgnoreCase(hay.substr(i + 1, needle.size() - 1), needle.substr(1))) return i;
+    if (needle.size() > hay.size() || from > hay.size() - needle.size()) return std::string_view::npos;
+    // Candidates are found by their first byte in either case; only those are compared in full.
+    const char lower = char(foldCase(static_cast<unsigned char>(needle[0])));
+    const char upper = char(upperCase(static_cast<unsigned char>(lower)));
+    const std::string_view rest = needle.substr(1);
+    const char* begin = hay.data();
+    const char* end = begin + (hay.size() - needle.size()) + 1; // candidates start before this
+    auto next = [&](char c, const char* at) {
+        const void* found = std::memchr(at, c, std::size_t(end - at));
+        return found ? static_cast<const char*>(found) : end;
+    };
+    const char* nextLower = next(lower, begin + from);
+    const char* nextUpper = lower == upper ? end : next(upper, begin + from);
+    while (nextLower != end || nextUpper != end) {
+        const char* at = std::min(nextLower, nextUpper);
+        if (equalsIgnoreCase(std::string_view(at + 1, rest.size()), rest)) return std::size_t(at - begin);
+        if (at == nextLower) nextLower = next(lower, at + 1);
+        if (at == nextUpper) nextUpper = next(upper, at + 1);
     }
     return std::string_view::npos;
 }

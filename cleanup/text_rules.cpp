@@ -121,39 +121,99 @@ void capitaliseSentences(std::string& text, bool isEllipsis) {
     }
 }
 
-// A row can match only if every pair of neighbouring bytes of its search text occurs in the
-// text; a small bit set of the text's pairs (letters folded) rules most rows out at once.
-class PairFilter {
-public:
-    explicit PairFilter(const std::string& text) { update(text); }
-    void update(const std::string& text) {
-        bits_.reset();
-        for (std::size_t i = 0; i + 1 < text.size(); ++i) bits_.set(key(text[i], text[i + 1]));
-    }
-    bool mayContain(std::string_view search) const {
-        for (std::size_t i = 0; i + 1 < search.size(); ++i)
-            if (!bits_.test(key(search[i], search[i + 1]))) return false;
-        return true;
-    }
+// A row can match only if every run of three neighbouring bytes of its search text (two for the
+// shortest rows), letters folded, occurs in the text. A bit set of the text's runs rules out
+// nearly every row at once; only rows that pass are searched for.
+constexpr std::size_t kFilterBits = 1 << 15;
+using RunSet = std::bitset<kFilterBits>;
 
-private:
-    static std::size_t key(char a, char b) {
-        return (std::size_t(foldCase(static_cast<unsigned char>(a))) * 131 +
-                foldCase(static_cast<unsigned char>(b))) & 4095;
-    }
-    std::bitset<4096> bits_;
+std::uint16_t runKey(std::string_view s, std::size_t at, std::size_t length) {
+    std::size_t h = 0;
+    for (std::size_t i = 0; i < length; ++i) h = h * 131 + foldCase(static_cast<unsigned char>(s[at + i]));
+    return std::uint16_t((h * 2654435761u >> 7) & (kFilterBits - 1));
+}
+
+struct PreparedRow {
+    std::string_view search, replacement;
+    bool templeOnly;
+    std::vector<std::uint16_t> keys;
 };
+
+// The rows of a table with their keys, worked out once.
+const std::vector<PreparedRow>& prepared(std::span<const WordRow> rows) {
+    static std::vector<std::pair<const WordRow*, std::vector<PreparedRow>>> cache;
+    for (const auto& [first, table] : cache)
+        if (first == rows.data()) return table;
+    std::vector<PreparedRow> table;
+    for (const WordRow& row : rows) {
+        PreparedRow p{row.search, row.replacement, row.templeOnly, {}};
+        std::size_t length = std::min<std::size_t>(3, p.search.size());
+        for (std::size_t i = 0; i + length <= p.search.size() && length >= 2; ++i)
+            p.keys.push_back(runKey(p.search, i, length));
+        table.push_back(std::move(p));
+    }
+    cache.emplace_back(rows.data(), std::move(table));
+    return cache.back().second;
+}
+
+// Adds the runs of two and of three bytes that start in [from, to) of the text.
+void addRuns(const std::string& text, std::size_t from, std::size_t to, RunSet& runs) {
+    for (std::size_t i = from; i < to && i + 2 <= text.size(); ++i) {
+        runs.set(runKey(text, i, 2));
+        if (i + 3 <= text.size()) runs.set(runKey(text, i, 3));
+    }
+}
+
+// Replaces every occurrence as replaceAllIgnoreCase does and adds to runs those the inserted
+// texts make, so that runs still holds every run of the text (and perhaps some it lost).
+void replaceRow(std::string& text, const PreparedRow& row, RunSet& runs) {
+    std::size_t at = findIgnoreCase(text, row.search);
+    if (at == std::string::npos) return;
+    std::string out;
+    out.reserve(text.size() + row.replacement.size());
+    std::vector<std::size_t> inserted;
+    std::size_t from = 0;
+    for (; at != std::string::npos; at = findIgnoreCase(text, row.search, from)) {
+        out.append(text, from, at - from);
+        inserted.push_back(out.size());
+        out.append(row.replacement);
+        from = at + row.search.size();
+    }
+    out.append(text, from, std::string::npos);
+    text.swap(out);
+    for (std::size_t start : inserted)
+        addRuns(text, start >= 2 ? start - 2 : 0, start + row.replacement.size() + 1, runs);
+}
+
+} // namespace
+
+namespace {
+
+// The rows of one table over a text whose runs are all in present.
+void applyRows(std::string& text, std::span<const WordRow> rows, bool temple, RunSet& present) {
+    for (const PreparedRow& row : prepared(rows)) {
+        if ((row.templeOnly && !temple) || row.search.size() > text.size()) continue;
+        bool possible = true;
+        for (std::uint16_t key : row.keys)
+            if (!present.test(key)) {
+                possible = false;
+                break;
+            }
+        if (possible) replaceRow(text, row, present);
+    }
+}
+
+RunSet& runsOf(const std::string& text) {
+    thread_local RunSet runs;
+    runs.reset();
+    addRuns(text, 0, text.size(), runs);
+    return runs;
+}
 
 } // namespace
 
 void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple) {
-    PairFilter filter(text);
-    for (const WordRow& row : rows) {
-        if (row.templeOnly && !temple) continue;
-        std::string_view search = row.search;
-        if (search.size() > text.size() || !filter.mayContain(search)) continue;
-        if (replaceAllIgnoreCase(text, search, row.replacement) > 0) filter.update(text);
-    }
+    applyRows(text, rows, temple, runsOf(text));
 }
 
 std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quoteParity) {
@@ -165,9 +225,10 @@ std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quot
     punctuationSpacing(text);
     if (s.isSpaceQuotes) quoteSpacing(text, quoteParity);
     spacingCleanUp(text);
-    if (s.isAmerican) applyWordRows(text, americanSpelling(), s.isTemple);
-    applyWordRows(text, properNames(), s.isTemple);
-    if (s.isSlang) applyWordRows(text, slang(), s.isTemple);
+    RunSet& runs = runsOf(text); // kept up to date through all three tables
+    if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple, runs);
+    applyRows(text, properNames(), s.isTemple, runs);
+    if (s.isSlang) applyRows(text, slang(), s.isTemple, runs);
     if (s.isSentences) capitaliseSentences(text, s.isEllipsis);
     return text;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
@@ -66,6 +67,15 @@ public:
         pos_ += take;
         if (take < std::uint64_t(n)) failed_ = true;
         return s;
+    }
+    // n bytes where they stand in the buffer, clamped to what is left.
+    std::string_view view(std::int64_t n) {
+        if (n <= 0) return {};
+        std::size_t take = std::uint64_t(n) > remaining() ? remaining() : std::size_t(n);
+        std::string_view v(reinterpret_cast<const char*>(data_ + pos_), take);
+        pos_ += take;
+        if (take < std::uint64_t(n)) failed_ = true;
+        return v;
     }
     // A zero-terminated text whose sub-record size counts the terminator: size - 1 bytes, then
     // one byte passed over.

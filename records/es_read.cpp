@@ -4,6 +4,7 @@
 
 #include <cctype>
 #include <chrono>
+#include <cstring>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -23,6 +24,36 @@ template <class R, class F> Tag appendTo(std::vector<R>& array, F&& read) {
     Tag next = read(scratch);
     array.push_back(std::move(scratch));
     return next;
+}
+
+// Sizes the arrays that hold most of a big file from a walk of the record headers, so that they
+// do not grow by copying while the file is read. A file whose sizes mislead gets smaller arrays
+// that then grow as usual.
+void reserveLargeArrays(RecordStore& store, const std::string& bytes) {
+    std::size_t info = 0, dial = 0, cell = 0, npc = 0, land = 0, stat = 0;
+    for (std::size_t p = 0; p + 16 <= bytes.size();) {
+        Tag t;
+        std::int32_t size;
+        std::memcpy(&t, bytes.data() + p, 4);
+        std::memcpy(&size, bytes.data() + p + 4, 4);
+        if (size < 0) break;
+        switch (t) {
+        case tag("INFO"): ++info; break;
+        case tag("DIAL"): ++dial; break;
+        case tag("CELL"): ++cell; break;
+        case tag("NPC_"): ++npc; break;
+        case tag("LAND"): ++land; break;
+        case tag("STAT"): ++stat; break;
+        default: break;
+        }
+        p += 16 + std::size_t(size);
+    }
+    store.INFO.reserve(info);
+    store.DIAL.reserve(dial);
+    store.CELL.reserve(cell);
+    store.NPC_.reserve(npc);
+    store.LAND.reserve(land);
+    store.STAT.reserve(stat);
 }
 
 std::string unknownRecordQuestion(std::size_t offset, Tag t) {
@@ -89,17 +120,20 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
         return -1;
     }
     double loadMs = msSince(start);
-    double ms = ReadESBuffer(store, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(),
-                             recordCount, trimAtEnd, prompts, diagnostics);
+    double ms = ReadESBuffer(store, std::move(bytes), recordCount, trimAtEnd, prompts, diagnostics);
     return ms > 0 ? ms + loadMs : ms;
 }
 
-double ReadESBuffer(RecordStore& store, const std::uint8_t* data, std::size_t size, std::int32_t& recordCount,
-                    bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics) {
+double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordCount, bool trimAtEnd,
+                    Prompts& prompts, ReadDiagnostics* diagnostics) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
     ClearRecords(store);
-    ByteCursor in(data, size);
+    auto source = std::make_shared<const std::string>(std::move(bytes));
+    store.source = source;
+    std::size_t size = source->size();
+    reserveLargeArrays(store, *source);
+    ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
     std::size_t recordEnd = 0; // where the last record's size word says it ends
     Tag t = in.tag();
     while (!in.atEnd()) {

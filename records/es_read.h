@@ -20,8 +20,9 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
                   Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
 
 // Reads a data file already in memory; the same rules as ReadESFile after the file is loaded.
-double ReadESBuffer(RecordStore& store, const std::uint8_t* data, std::size_t size, std::int32_t& recordCount,
-                    bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
+// The store keeps the bytes: its raw records point into them.
+double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordCount, bool trimAtEnd,
+                    Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
 
 // True when the path's extension begins with "ES", as data files' extensions do.
 bool hasDataFileName(const std::string& path);

@@ -4,7 +4,9 @@
 // written back exactly as it was read. Texts are the file's bytes, never decoded.
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
@@ -30,6 +32,32 @@ template <std::size_t N> Fixed<N> toFixed(const std::string& s) {
     for (std::size_t i = 0; i < N && i < s.size(); ++i) f[i] = s[i];
     return f;
 }
+
+// An optional part of a record, made only when one of its fields is read; copied deeply.
+template <class T> class Boxed {
+public:
+    Boxed() = default;
+    Boxed(const Boxed& o) : p_(o.p_ ? std::make_unique<T>(*o.p_) : nullptr) {}
+    Boxed& operator=(const Boxed& o) {
+        p_ = o.p_ ? std::make_unique<T>(*o.p_) : nullptr;
+        return *this;
+    }
+    Boxed(Boxed&&) noexcept = default;
+    Boxed& operator=(Boxed&&) noexcept = default;
+    // The part, made empty if it is not there yet.
+    T& get() {
+        if (!p_) p_ = std::make_unique<T>();
+        return *p_;
+    }
+    // The part, or an empty one.
+    const T& view() const {
+        static const T empty{};
+        return p_ ? *p_ : empty;
+    }
+
+private:
+    std::unique_ptr<T> p_;
+};
 
 struct RecordHeader {
     i32 Size = 0, Header1 = 0, Flags = 0;
@@ -66,7 +94,9 @@ struct Tes3Record : RecordHeader {
 // LAND, the save-game records and records of unknown type.
 struct RawRecord : RecordHeader {
     std::string Tag; // four characters
-    std::string Data; // empty for unknown records, whose data are skipped
+    // The record's bytes in the file the store was read from; empty for unknown records, whose
+    // data are skipped.
+    std::string_view Data;
 };
 
 // ---- Dialogue ----
@@ -242,16 +272,10 @@ struct CreaRecord : RecordHeader, ActorLists {
 
 // ---- Cells ----
 
-struct CellReference {
-    i32 FRMRSize = 0;
-    std::array<u8, 3> FRMR{};
-    u8 FRMRByte = 0;
-    i32 NAMESize = 0;
-    std::string NAME;
+// The sub-records most references lack, kept apart so that a cell's many plain references stay small.
+struct ReferenceDetails {
     i32 XCHGSize = 0;
     i32 XCHG = 0;
-    i32 XSCLSize = 0;
-    float XSCL = 0;
     i32 DODTSize = 0;
     std::array<float, 6> DODT{};
     i32 DNAMSize = 0;
@@ -278,8 +302,6 @@ struct CellReference {
     i32 NAM9 = 0;
     i32 XSOLSize = 0;
     std::string XSOL;
-    i32 DATASize = 0;
-    std::array<float, 6> DATA{};
     i32 MVRFSize = 0;
     std::array<u8, 3> MVRF{};
     u8 MVRFByte = 0;
@@ -290,9 +312,22 @@ struct CellReference {
     i32 DATA2Size = 0;
     std::array<float, 6> DATA2{};
     std::vector<std::string> SaveData; // each: the four-character tag, then the data
+};
+
+struct CellReference {
+    i32 FRMRSize = 0;
+    std::array<u8, 3> FRMR{};
+    u8 FRMRByte = 0;
+    i32 NAMESize = 0;
+    std::string NAME;
+    i32 XSCLSize = 0;
+    float XSCL = 0;
+    i32 DATASize = 0;
+    std::array<float, 6> DATA{};
     u8 Disabled = 0;
     u8 Deleted = 0;
     u8 Persistent = 0;
+    Boxed<ReferenceDetails> more;
 };
 
 struct CellRecord : RecordHeader {
@@ -423,10 +458,11 @@ struct ScptRecord : RecordHeader {
     i32 NumShorts = 0, NumLongs = 0, NumFloats = 0, ScriptDataSize = 0, LocalVarSize = 0;
     i32 SCVRSize = 0;
     std::vector<std::string> ShortNames, LongNames, FloatNames;
+    // Compiled code and source are never edited: they point into the file's bytes.
     i32 SCDTSize = 0;
-    std::string SCDT;
+    std::string_view SCDT;
     i32 SCTXSize = 0;
-    std::string SCTX;
+    std::string_view SCTX;
     i32 SLCSSize = 0;
     std::string SLCS;
     i32 SLSDSize = 0;
@@ -655,7 +691,7 @@ struct BookRecord : RecordHeader, ObjectTexts {
     float Weight = 0;
     i32 Value = 0, Scroll = 0, Skill = 0, EnchantPoints = 0;
     i32 TEXTSize = 0;
-    std::string TEXT;
+    std::string_view TEXT; // never edited: points into the file's bytes
     i32 ENAMSize = 0;
     std::string ENAM;
 };
@@ -712,10 +748,11 @@ struct PgrdRecord : RecordHeader {
     Bytes<12> DATA{};
     i32 NAMESize = 0;
     std::string NAME;
+    // Never edited: both point into the file's bytes.
     i32 PGRPSize = 0;
-    std::string PGRP; // all points
+    std::string_view PGRP; // all points
     i32 PGRCSize = 0;
-    std::string PGRC; // all connections
+    std::string_view PGRC; // all connections
 };
 
 // True when the low byte of a record's flags marks it deleted. The threshold is decimal 20 on

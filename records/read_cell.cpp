@@ -27,31 +27,31 @@ Tag readReferenceBody(ByteCursor& in, CellReference& ref) {
     for (;;) {
         switch (t) {
         case tag("NAME"): zsub(in, ref.NAMESize, ref.NAME); break;
-        case tag("DNAM"): zsub(in, ref.DNAMSize, ref.DNAM); break;
-        case tag("KNAM"): zsub(in, ref.KNAMSize, ref.KNAM); break;
-        case tag("TNAM"): zsub(in, ref.TNAMSize, ref.TNAM); break;
-        case tag("ANAM"): zsub(in, ref.ANAMSize, ref.ANAM); break;
-        case tag("CNAM"): zsub(in, ref.CNAMSize, ref.CNAM); break;
-        case tag("BNAM"): zsub(in, ref.BNAMSize, ref.BNAM); break;
-        case tag("XSOL"): zsub(in, ref.XSOLSize, ref.XSOL); break;
-        case tag("XCHG"): vsub(in, ref.XCHGSize, ref.XCHG); break;
+        case tag("DNAM"): zsub(in, ref.more.get().DNAMSize, ref.more.get().DNAM); break;
+        case tag("KNAM"): zsub(in, ref.more.get().KNAMSize, ref.more.get().KNAM); break;
+        case tag("TNAM"): zsub(in, ref.more.get().TNAMSize, ref.more.get().TNAM); break;
+        case tag("ANAM"): zsub(in, ref.more.get().ANAMSize, ref.more.get().ANAM); break;
+        case tag("CNAM"): zsub(in, ref.more.get().CNAMSize, ref.more.get().CNAM); break;
+        case tag("BNAM"): zsub(in, ref.more.get().BNAMSize, ref.more.get().BNAM); break;
+        case tag("XSOL"): zsub(in, ref.more.get().XSOLSize, ref.more.get().XSOL); break;
+        case tag("XCHG"): vsub(in, ref.more.get().XCHGSize, ref.more.get().XCHG); break;
         case tag("XSCL"): vsub(in, ref.XSCLSize, ref.XSCL); break;
-        case tag("FLTV"): vsub(in, ref.FLTVSize, ref.FLTV); break;
-        case tag("INTV"): vsub(in, ref.INTVSize, ref.INTV); break;
-        case tag("INDX"): vsub(in, ref.INDXSize, ref.INDX); break;
-        case tag("NAM9"): vsub(in, ref.NAM9Size, ref.NAM9); break;
-        case tag("UNAM"): vsub(in, ref.UNAMSize, ref.UNAM); break;
+        case tag("FLTV"): vsub(in, ref.more.get().FLTVSize, ref.more.get().FLTV); break;
+        case tag("INTV"): vsub(in, ref.more.get().INTVSize, ref.more.get().INTV); break;
+        case tag("INDX"): vsub(in, ref.more.get().INDXSize, ref.more.get().INDX); break;
+        case tag("NAM9"): vsub(in, ref.more.get().NAM9Size, ref.more.get().NAM9); break;
+        case tag("UNAM"): vsub(in, ref.more.get().UNAMSize, ref.more.get().UNAM); break;
         case tag("DODT"):
-            ref.DODTSize = in.i32();
-            readPlacement(in, ref.DODT);
+            ref.more.get().DODTSize = in.i32();
+            readPlacement(in, ref.more.get().DODT);
             break;
         case tag("DATA"):
             ref.DATASize = in.i32();
             readPlacement(in, ref.DATA);
             t = in.tag();
             if (t == tag("DATA")) { // save games carry a second DATA right behind the first
-                ref.DATA2Size = in.i32();
-                readPlacement(in, ref.DATA2);
+                ref.more.get().DATA2Size = in.i32();
+                readPlacement(in, ref.more.get().DATA2);
                 break;
             }
             continue;
@@ -67,7 +67,7 @@ Tag readReferenceBody(ByteCursor& in, CellReference& ref) {
             if (!isSaveGameSub(t)) return t;
             {
                 i32 size = in.i32();
-                ref.SaveData.push_back(tagText(t) + in.text(size));
+                ref.more.get().SaveData.push_back(tagText(t) + in.text(size));
             }
             break;
         }
@@ -85,7 +85,7 @@ void readFrmr(ByteCursor& in, CellReference& ref) {
 
 Tag readCell(ByteCursor& in, CellRecord& r) {
     bool pastNam0 = false;
-    return readRecord(in, r, [&](Tag& t) {
+    Tag next = readRecord(in, r, [&](Tag& t) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("RGNN"): zsub(in, r.RGNNSize, r.RGNN); return Step::Next;
@@ -132,16 +132,17 @@ Tag readCell(ByteCursor& in, CellRecord& r) {
         case tag("MVRF"): {
             CellReference& ref = r.References.emplace_back();
             ref.Persistent = pastNam0 ? 0 : 1;
-            ref.MVRFSize = in.i32();
-            in.raw(ref.MVRF.data(), 3);
-            ref.MVRFByte = in.u8();
+            ReferenceDetails& moved = ref.more.get();
+            moved.MVRFSize = in.i32();
+            in.raw(moved.MVRF.data(), 3);
+            moved.MVRFByte = in.u8();
             Tag next = in.tag();
             if (next == tag("CNDT")) {
-                ref.CNDTSize = in.i32();
-                ref.CNDT[0] = in.i32();
-                ref.CNDT[1] = in.i32();
+                moved.CNDTSize = in.i32();
+                moved.CNDT[0] = in.i32();
+                moved.CNDT[1] = in.i32();
             } else if (next == tag("CNAM")) {
-                wsub(in, ref.MovedCellSize, ref.MovedCell);
+                wsub(in, moved.MovedCellSize, moved.MovedCell);
             }
             in.skip(4); // the FRMR tag that follows
             readFrmr(in, ref);
@@ -151,6 +152,8 @@ Tag readCell(ByteCursor& in, CellRecord& r) {
         default: return Step::End;
         }
     });
+    r.References.shrink_to_fit(); // a big master holds hundreds of thousands of references
+    return next;
 }
 
 } // namespace quillon

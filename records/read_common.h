@@ -36,6 +36,11 @@ inline void wsub(ByteCursor& in, i32& size, std::string& text) {
     size = in.i32();
     text = in.text(size);
 }
+// A text sub-record taken whole where it stands in the file's bytes.
+inline void viewsub(ByteCursor& in, i32& size, std::string_view& text) {
+    size = in.i32();
+    text = in.view(size);
+}
 // A sub-record holding one value.
 template <class T> void vsub(ByteCursor& in, i32& size, T& v) {
     size = in.i32();

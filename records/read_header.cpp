@@ -49,7 +49,7 @@ Tag readRaw(ByteCursor& in, Tag t, RawRecord& r, bool keepData) {
     r.Header1 = in.i32();
     r.Flags = in.i32();
     if (keepData)
-        r.Data = in.text(r.Size);
+        r.Data = in.view(r.Size);
     else
         in.skip(r.Size);
     return in.tag();

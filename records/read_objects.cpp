@@ -197,8 +197,8 @@ Tag readScpt(ByteCursor& in, ScptRecord& r) {
             r.SCVRSize = in.i32();
             splitVariableNames(r, in.text(r.SCVRSize));
             return Step::Next;
-        case tag("SCDT"): wsub(in, r.SCDTSize, r.SCDT); return Step::Next;
-        case tag("SCTX"): wsub(in, r.SCTXSize, r.SCTX); return Step::Next;
+        case tag("SCDT"): viewsub(in, r.SCDTSize, r.SCDT); return Step::Next;
+        case tag("SCTX"): viewsub(in, r.SCTXSize, r.SCTX); return Step::Next;
         case tag("RNAM"): wsub(in, r.RNAMSize, r.RNAM); return Step::Next;
         case tag("SLSD"): wsub(in, r.SLSDSize, r.SLSD); return Step::Next;
         case tag("SLCS"): wsub(in, r.SLCSSize, r.SLCS); return Step::Next;
@@ -455,7 +455,7 @@ Tag readBook(ByteCursor& in, BookRecord& r) {
         if (objectText(in, t, r)) return Step::Next;
         switch (t) {
         case tag("ENAM"): zsub(in, r.ENAMSize, r.ENAM); return Step::Next;
-        case tag("TEXT"): wsub(in, r.TEXTSize, r.TEXT); return Step::Next;
+        case tag("TEXT"): viewsub(in, r.TEXTSize, r.TEXT); return Step::Next;
         case tag("BKDT"):
             r.BKDTSize = in.i32();
             r.Weight = in.f32();
@@ -529,8 +529,8 @@ Tag readPgrd(ByteCursor& in, PgrdRecord& r) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("DATA"): bsub(in, r.DATASize, r.DATA); return Step::Next;
-        case tag("PGRP"): wsub(in, r.PGRPSize, r.PGRP); return Step::Next;
-        case tag("PGRC"): wsub(in, r.PGRCSize, r.PGRC); return Step::Next;
+        case tag("PGRP"): viewsub(in, r.PGRPSize, r.PGRP); return Step::Next;
+        case tag("PGRC"): viewsub(in, r.PGRCSize, r.PGRC); return Step::Next;
         default: return Step::End;
         }
     });

@@ -8,6 +8,7 @@ void ClearRecords(RecordStore& store) {
         array.shrink_to_fit();
     });
     store.CurrentTopic.clear();
+    store.source.reset();
 }
 
 void TrimRecords(RecordStore& store) { store.CurrentTopic.clear(); }

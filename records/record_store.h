@@ -1,6 +1,7 @@
 #pragma once
 #include "records/es_types.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,9 @@ struct RecordStore {
     std::vector<InfoRecord> INFO;
     std::vector<RawRecord> Unknown;
     std::vector<RawRecord> CNTC, CREC, FMAP, GAME, JOUR, KLST, NPCC, PCDT, QUES, REFR, SPLM, STLN;
+
+    // The bytes of the file read, which the raw records point into.
+    std::shared_ptr<const std::string> source;
 
     // NAME of the last DIAL read or written; stamps each INFO read after it.
     std::string CurrentTopic;

@@ -54,7 +54,7 @@ struct Loaded {
 std::unique_ptr<Loaded> load(const std::string& bytes) {
     auto l = std::make_unique<Loaded>();
     l->prompts.replies = {Reply::Cancel};
-    l->ms = ReadESBuffer(l->store, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), l->count,
+    l->ms = ReadESBuffer(l->store, bytes, l->count,
                          true, l->prompts);
     return l;
 }

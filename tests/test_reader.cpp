@@ -18,7 +18,7 @@ struct Read {
 std::unique_ptr<Read> read(const std::string& bytes, std::deque<Reply> replies = {}) {
     auto r = std::make_unique<Read>();
     r->prompts.replies = std::move(replies);
-    r->ms = ReadESBuffer(r->store, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), r->count,
+    r->ms = ReadESBuffer(r->store, bytes, r->count,
                          false, r->prompts, &r->diagnostics);
     return r;
 }
@@ -149,10 +149,10 @@ TEST(ReadCell, ReferencesPersistenceMovesAndSaveData) {
     ASSERT_EQ(c.References.size(), 4u);
     EXPECT_EQ(c.References[0].Persistent, 1);
     EXPECT_EQ(c.References[0].Disabled, 1);
-    EXPECT_EQ(c.References[1].SaveData, std::vector<std::string>{"ACDTxyz"});
-    EXPECT_EQ(c.References[1].DATA2Size, 24);
+    EXPECT_EQ(c.References[1].more.view().SaveData, std::vector<std::string>{"ACDTxyz"});
+    EXPECT_EQ(c.References[1].more.view().DATA2Size, 24);
     EXPECT_EQ(c.References[2].Persistent, 0);
-    EXPECT_EQ(c.References[2].MovedCell, "Balmora");
+    EXPECT_EQ(c.References[2].more.view().MovedCell, "Balmora");
     EXPECT_EQ(c.References[2].NAME, "moved");
     EXPECT_EQ(c.References[3].Deleted, 1);
     EXPECT_EQ(c.Deleted, 1);
@@ -237,7 +237,7 @@ TEST(ReadDriver, UnknownRecordQuestion) {
                                         "Yes To All.\r\nRecord Name: \"ZZZZ\"");
     ASSERT_EQ(cancel->store.Unknown.size(), 2u);
     EXPECT_EQ(cancel->store.Unknown[0].Size, 12);
-    EXPECT_EQ(cancel->store.Unknown[0].Data, ""); // unknown data are skipped
+    EXPECT_TRUE(cancel->store.Unknown[0].Data.empty()); // unknown data are skipped
     EXPECT_EQ(cancel->store.STAT.size(), 1u);
     EXPECT_FALSE(cancel->store.SkipUnknownPrompt); // lives for one read only
     EXPECT_EQ(cancel->count, 4);

@@ -18,7 +18,7 @@ RecordStore readStore(const std::string& bytes) {
     RecordStore store;
     ScriptedPrompts prompts;
     std::int32_t count = 0;
-    ReadESBuffer(store, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), count, true, prompts);
+    ReadESBuffer(store, bytes, count, true, prompts);
     return store;
 }
 
@@ -179,7 +179,7 @@ TEST(WriteCell, ReferencePassesDeletionAndMovedReferences) {
                                .bytes();
     EXPECT_EQ(cell.substr(16), expected.substr(16));
 
-    store.CELL[0].References[1].MVRFSize = 4; // moved, but to no cell
+    store.CELL[0].References[1].more.get().MVRFSize = 4; // moved, but to no cell
     std::string cut = written([&](ByteSink& s) { WriteCellRecord(s, store.CELL[0], prompts); });
     EXPECT_EQ(prompts.told, std::vector<std::string>{"Error while writing moved reference."});
     EXPECT_EQ(cut.find("NAM0"), std::string::npos); // the cell stops at the faulty reference

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
@@ -18,7 +19,7 @@ public:
     void int32(std::int32_t v) { value(v); }
     void byte(std::uint8_t v) { out_.push_back(char(v)); }
     void tag(Tag t) { value(t); }
-    void text(const std::string& s) { out_.append(s); }
+    void text(std::string_view s) { out_.append(s); }
     template <std::size_t N> void bytes(const std::array<std::uint8_t, N>& b) { raw(b.data(), N); }
     template <std::size_t N> void bytes(const std::array<char, N>& b) { raw(b.data(), N); }
 
@@ -36,14 +37,14 @@ public:
     }
     // A zero-terminated text sub-record. One the record does not carry (size 0, no text) is not
     // invented: its terminator would be a byte that the record's stored Size does not count.
-    void z(Tag t, std::int32_t size, const std::string& s) {
+    void z(Tag t, std::int32_t size, std::string_view s) {
         if (size == 0 && s.empty()) return;
         sub(t, size);
         text(s);
         byte(0);
     }
     // A text sub-record written without terminator.
-    void u(Tag t, std::int32_t size, const std::string& s) {
+    void u(Tag t, std::int32_t size, std::string_view s) {
         sub(t, size);
         text(s);
     }
@@ -56,10 +57,10 @@ public:
         bytes(b);
     }
     // Optional sub-records are written when their size word is non-zero.
-    void zOpt(Tag t, std::int32_t size, const std::string& s) {
+    void zOpt(Tag t, std::int32_t size, std::string_view s) {
         if (size != 0) z(t, size, s);
     }
-    void uOpt(Tag t, std::int32_t size, const std::string& s) {
+    void uOpt(Tag t, std::int32_t size, std::string_view s) {
         if (size != 0) u(t, size, s);
     }
     // The deleted marker every writer emits the same way.

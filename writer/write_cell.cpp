@@ -11,16 +11,17 @@ void writePlacement(ByteSink& out, Tag t, std::int32_t size, const std::array<fl
 
 // One reference; false when a moved reference names no target cell, which stops the cell.
 bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
-    if (ref.MVRFSize != 0) {
-        out.sub(tag("MVRF"), ref.MVRFSize);
-        out.raw(ref.MVRF.data(), 3);
-        out.byte(ref.MVRFByte);
-        if (ref.CNDTSize >= 1) {
-            out.sub(tag("CNDT"), ref.CNDTSize);
-            out.int32(ref.CNDT[0]);
-            out.int32(ref.CNDT[1]);
-        } else if (ref.MovedCellSize >= 1) {
-            out.u(tag("CNAM"), ref.MovedCellSize, ref.MovedCell);
+    const ReferenceDetails& more = ref.more.view();
+    if (more.MVRFSize != 0) {
+        out.sub(tag("MVRF"), more.MVRFSize);
+        out.raw(more.MVRF.data(), 3);
+        out.byte(more.MVRFByte);
+        if (more.CNDTSize >= 1) {
+            out.sub(tag("CNDT"), more.CNDTSize);
+            out.int32(more.CNDT[0]);
+            out.int32(more.CNDT[1]);
+        } else if (more.MovedCellSize >= 1) {
+            out.u(tag("CNAM"), more.MovedCellSize, more.MovedCell);
         } else {
             prompts.tell("Error while writing moved reference.");
             return false;
@@ -31,29 +32,29 @@ bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
     out.byte(ref.FRMRByte);
     out.z(tag("NAME"), ref.NAMESize, ref.NAME);
     if (ref.XSCLSize != 0) out.v(tag("XSCL"), ref.XSCLSize, ref.XSCL);
-    if (ref.DODTSize != 0) writePlacement(out, tag("DODT"), ref.DODTSize, ref.DODT);
-    out.zOpt(tag("DNAM"), ref.DNAMSize, ref.DNAM);
-    if (ref.FLTVSize != 0) out.v(tag("FLTV"), ref.FLTVSize, ref.FLTV);
-    out.zOpt(tag("KNAM"), ref.KNAMSize, ref.KNAM);
-    out.zOpt(tag("TNAM"), ref.TNAMSize, ref.TNAM);
-    out.zOpt(tag("ANAM"), ref.ANAMSize, ref.ANAM);
-    out.zOpt(tag("CNAM"), ref.CNAMSize, ref.CNAM);
-    if (ref.UNAMSize != 0) out.v(tag("UNAM"), ref.UNAMSize, ref.UNAM);
-    out.zOpt(tag("BNAM"), ref.BNAMSize, ref.BNAM);
-    if (ref.XCHGSize != 0) out.v(tag("XCHG"), ref.XCHGSize, ref.XCHG);
-    if (ref.INTVSize != 0) out.v(tag("INTV"), ref.INTVSize, ref.INTV);
-    if (ref.NAM9Size != 0) out.v(tag("NAM9"), ref.NAM9Size, ref.NAM9);
-    if (ref.INDXSize != 0) out.v(tag("INDX"), ref.INDXSize, ref.INDX);
-    out.zOpt(tag("XSOL"), ref.XSOLSize, ref.XSOL);
+    if (more.DODTSize != 0) writePlacement(out, tag("DODT"), more.DODTSize, more.DODT);
+    out.zOpt(tag("DNAM"), more.DNAMSize, more.DNAM);
+    if (more.FLTVSize != 0) out.v(tag("FLTV"), more.FLTVSize, more.FLTV);
+    out.zOpt(tag("KNAM"), more.KNAMSize, more.KNAM);
+    out.zOpt(tag("TNAM"), more.TNAMSize, more.TNAM);
+    out.zOpt(tag("ANAM"), more.ANAMSize, more.ANAM);
+    out.zOpt(tag("CNAM"), more.CNAMSize, more.CNAM);
+    if (more.UNAMSize != 0) out.v(tag("UNAM"), more.UNAMSize, more.UNAM);
+    out.zOpt(tag("BNAM"), more.BNAMSize, more.BNAM);
+    if (more.XCHGSize != 0) out.v(tag("XCHG"), more.XCHGSize, more.XCHG);
+    if (more.INTVSize != 0) out.v(tag("INTV"), more.INTVSize, more.INTV);
+    if (more.NAM9Size != 0) out.v(tag("NAM9"), more.NAM9Size, more.NAM9);
+    if (more.INDXSize != 0) out.v(tag("INDX"), more.INDXSize, more.INDX);
+    out.zOpt(tag("XSOL"), more.XSOLSize, more.XSOL);
     if (ref.Disabled) out.v(tag("ZNAM"), 1, std::uint8_t(0)); // its value byte was not kept
-    for (const std::string& entry : ref.SaveData) {
+    for (const std::string& entry : more.SaveData) {
         if (entry.size() < 4) continue;
         out.raw(entry.data(), 4);
         out.int32(std::int32_t(entry.size() - 4));
         out.raw(entry.data() + 4, entry.size() - 4);
     }
     if (ref.DATASize != 0) writePlacement(out, tag("DATA"), ref.DATASize, ref.DATA);
-    if (ref.DATA2Size != 0) writePlacement(out, tag("DATA"), ref.DATA2Size, ref.DATA2);
+    if (more.DATA2Size != 0) writePlacement(out, tag("DATA"), more.DATA2Size, more.DATA2);
     if (ref.Deleted) {
         // The only DELE whose value is not zero: the bytes the original editor leaves here.
         out.sub(tag("DELE"), 4);

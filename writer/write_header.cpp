@@ -39,7 +39,7 @@ void WriteRawRecord(ByteSink& out, const RawRecord& r) {
     out.int32(r.Size);
     out.int32(r.Header1);
     out.int32(r.Flags);
-    out.text(r.Data);
+    out.raw(r.Data.data(), r.Data.size());
 }
 
 } // namespace quillon
