@@ -11,23 +11,45 @@ namespace {
 
 const char* const kQuoteMarker = "XXThisIsAQuoteXX";
 
-void replaceAll(std::string& text, std::string_view search, std::string_view replacement) {
-    replaceAllIgnoreCase(text, search, replacement);
-}
-
-// Replaces the first occurrence only; false when there is none.
-bool replaceOnce(std::string& text, std::string_view search, std::string_view replacement) {
-    std::size_t at = findIgnoreCase(text, search);
-    if (at == std::string::npos) return false;
-    text.replace(at, search.size(), replacement);
-    return true;
-}
-
-// Replaces again as long as the search text still occurs.
-void replaceRepeatedly(std::string& text, std::string_view search, std::string_view replacement) {
-    while (replaceAllIgnoreCase(text, search, replacement) > 0) {
+// The response being cleaned and the bytes it may hold (letters folded): a step whose first byte
+// is not among them cannot match and is passed over. Inserted texts add their bytes, so the set
+// never misses a byte the text holds.
+class Text {
+public:
+    explicit Text(std::string& text) : text_(text) { note(text); }
+    std::string& str() { return text_; }
+    // Every occurrence, left to right, without rescanning what was inserted.
+    bool all(std::string_view search, std::string_view replacement) {
+        if (!mayHold(search) || replaceAllIgnoreCase(text_, search, replacement) == 0) return false;
+        note(replacement);
+        return true;
     }
-}
+    // The first occurrence only.
+    bool once(std::string_view search, std::string_view replacement) {
+        if (!mayHold(search)) return false;
+        std::size_t at = findIgnoreCase(text_, search);
+        if (at == std::string::npos) return false;
+        text_.replace(at, search.size(), replacement);
+        note(replacement);
+        return true;
+    }
+    // Again as long as the search text still occurs.
+    void repeat(std::string_view search, std::string_view replacement) {
+        while (all(search, replacement)) {
+        }
+    }
+    bool contains(std::string_view search) const { return mayHold(search) && containsIgnoreCase(text_, search); }
+
+private:
+    bool mayHold(std::string_view search) const {
+        return !search.empty() && present_.test(foldCase(static_cast<unsigned char>(search[0])));
+    }
+    void note(std::string_view added) {
+        for (char c : added) present_.set(foldCase(static_cast<unsigned char>(c)));
+    }
+    std::string& text_;
+    std::bitset<256> present_;
+};
 
 void trimBlanksInPlace(std::string& text) {
     std::size_t first = text.find_first_not_of(' ');
@@ -39,66 +61,66 @@ void trimBlanksInPlace(std::string& text) {
     text.erase(0, first);
 }
 
-void normaliseCharacters(std::string& text) {
-    replaceAll(text, "\x85", "...");
-    replaceAll(text, "....", "..."); // one pass: five points become four
-    replaceAll(text, "\x92", "'");
-    replaceAll(text, "`", "'");
-    replaceAll(text, "@", "");
-    replaceAll(text, "#", "");
-    replaceAll(text, "\x94", "\"");
-    replaceAll(text, "\x93", "\"");
-    replaceAll(text, "\t", " ");
+void normaliseCharacters(Text& t) {
+    t.all("\x85", "...");
+    t.all("....", "..."); // one pass: five points become four
+    t.all("\x92", "'");
+    t.all("`", "'");
+    t.all("@", "");
+    t.all("#", "");
+    t.all("\x94", "\"");
+    t.all("\x93", "\"");
+    t.all("\t", " ");
 }
 
-void squareBrackets(std::string& text) {
-    replaceAll(text, "(", "[");
-    replaceAll(text, ")", "]");
-    replaceAll(text, "{", "[");
-    replaceAll(text, "}", "]");
+void squareBrackets(Text& t) {
+    t.all("(", "[");
+    t.all(")", "]");
+    t.all("{", "[");
+    t.all("}", "]");
 }
 
-void ampersandAndDashCharacters(std::string& text) {
-    replaceAll(text, "&", " and ");
-    replaceAll(text, "\x97", "-");
+void ampersandAndDashCharacters(Text& t) {
+    t.all("&", " and ");
+    t.all("\x97", "-");
     // Code 6 is searched for, not the en dash, which therefore stays: intended.
-    replaceAll(text, "\x06", "-");
+    t.all("\x06", "-");
 }
 
 // The sense of "Force Single Dashes" runs against its caption on purpose: off collapses dashes.
-void dashes(std::string& text, const CleanupSettings& s) {
+void dashes(Text& t, const CleanupSettings& s) {
     if (!s.isDashes) {
-        replaceRepeatedly(text, "--", "-");
+        t.repeat("--", "-");
         if (s.isDashSpaces) {
-            replaceAll(text, " -", " - ");
-            replaceAll(text, "- ", " - ");
+            t.all(" -", " - ");
+            t.all("- ", " - ");
         }
     } else if (s.isDashSpaces) {
-        replaceAll(text, " --", " -- ");
-        replaceAll(text, "-- ", " -- ");
+        t.all(" --", " -- ");
+        t.all("-- ", " -- ");
     }
 }
 
-void punctuationSpacing(std::string& text) {
-    for (const char* mark : {".", ",", "?", "!", ";", ":"}) replaceAll(text, mark, std::string(mark) + " ");
-    for (const char* mark : {",", ".", ";", ":", "!", "?"}) replaceAll(text, std::string(" ") + mark, mark);
-    trimBlanksInPlace(text);
+void punctuationSpacing(Text& t) {
+    for (const char* mark : {".", ",", "?", "!", ";", ":"}) t.all(mark, std::string(mark) + " ");
+    for (const char* mark : {",", ".", ";", ":", "!", "?"}) t.all(std::string(" ") + mark, mark);
+    trimBlanksInPlace(t.str());
 }
 
 // A blank before every opening and after every closing quote. The parity lives across the
 // whole command, so an odd count of quotes makes the next response start with a closing one.
-void quoteSpacing(std::string& text, bool& parity) {
-    replaceAll(text, "\"", std::string(" ") + kQuoteMarker + " ");
+void quoteSpacing(Text& t, bool& parity) {
+    t.all("\"", std::string(" ") + kQuoteMarker + " ");
     std::string opening = std::string(kQuoteMarker) + " ", closing = std::string(" ") + kQuoteMarker;
-    while (containsIgnoreCase(text, kQuoteMarker)) {
-        if (!replaceOnce(text, parity ? closing : opening, "\"")) break; // a marker the writer typed
+    while (t.contains(kQuoteMarker)) {
+        if (!t.once(parity ? closing : opening, "\"")) break; // a marker the writer typed
         parity = !parity;
     }
 }
 
-void spacingCleanUp(std::string& text) {
-    replaceRepeatedly(text, "  ", " ");
-    for (const char* mark : {".", ",", "?", "!", ":"}) replaceAll(text, std::string("\" ") + mark, std::string("\"") + mark);
+void spacingCleanUp(Text& t) {
+    t.repeat("  ", " ");
+    for (const char* mark : {".", ",", "?", "!", ":"}) t.all(std::string("\" ") + mark, std::string("\"") + mark);
 }
 
 bool isLowerAscii(char c) { return c >= 'a' && c <= 'z'; }
@@ -217,14 +239,15 @@ void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple
 }
 
 std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quoteParity) {
-    if (s.isLineBreaks) replaceAll(text, "\r\n", " ");
-    normaliseCharacters(text);
-    if (s.isSquare) squareBrackets(text);
-    ampersandAndDashCharacters(text);
-    dashes(text, s);
-    punctuationSpacing(text);
-    if (s.isSpaceQuotes) quoteSpacing(text, quoteParity);
-    spacingCleanUp(text);
+    Text t(text);
+    if (s.isLineBreaks) t.all("\r\n", " ");
+    normaliseCharacters(t);
+    if (s.isSquare) squareBrackets(t);
+    ampersandAndDashCharacters(t);
+    dashes(t, s);
+    punctuationSpacing(t);
+    if (s.isSpaceQuotes) quoteSpacing(t, quoteParity);
+    spacingCleanUp(t);
     RunSet& runs = runsOf(text); // kept up to date through all three tables
     if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple, runs);
     applyRows(text, properNames(), s.isTemple, runs);
