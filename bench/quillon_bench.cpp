@@ -9,6 +9,7 @@
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
+#include "writer/es_write.h"
 
 #include <algorithm>
 #include <chrono>
@@ -81,6 +82,12 @@ const std::vector<Command>& commands() {
          }},
         {"open", nothing, open},
         {"save", open, [](Session& s, BenchDialogs& d, const std::string&) { saveAsPath(s, d, d.scratch + ".esm"); }},
+        // Save's own work, without the disk: what the writers cost.
+        {"serialise", open,
+         [](Session& s, BenchDialogs& d, const std::string&) {
+             DialogPrompts prompts(d);
+             if (serialiseStore(s.store, std::int32_t(s.counts.number(kTotalLabel)), 1, prompts).empty()) std::abort();
+         }},
         {"export", open, [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
         {"import",
          [](Session& s, BenchDialogs& d, const std::string& f) {

@@ -1,5 +1,6 @@
 #include "writer/safe_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -35,17 +36,24 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes)
     struct stat old {};
     mode_t mode = ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
     ::fchmod(fd, mode);
+    // Written in chunks, each handed to the disk at once, so that a big file never piles up as
+    // dirty pages that the system would then make the writer wait for.
+    constexpr std::size_t kChunk = 8 << 20;
     const char* p = bytes.data();
-    std::size_t left = bytes.size();
+    std::size_t left = bytes.size(), written = 0;
     int error = 0;
     while (left > 0) {
-        ssize_t n = ::write(fd, p, left);
+        ssize_t n = ::write(fd, p, std::min(left, kChunk));
         if (n < 0) {
             if (errno == EINTR) continue;
             error = errno;
             break;
         }
+#ifdef __linux__
+        ::sync_file_range(fd, off_t(written), off_t(n), SYNC_FILE_RANGE_WRITE);
+#endif
         p += n;
+        written += std::size_t(n);
         left -= std::size_t(n);
     }
     if (!error && ::fsync(fd) != 0) error = errno;
