@@ -13,6 +13,8 @@ void exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& pat
 // Import: reads an edited export back, response by response, checking each ID.
 void ImportDialogue(Session& session, Dialogs& dialogs);
 void importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path);
+// The import of a text file's bytes, after the line-break question.
+void importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks);
 
 // Loop detection: responses shown after choice N whose own script offers choice N again.
 void DetectLoops(Session& session, Dialogs& dialogs);

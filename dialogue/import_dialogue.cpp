@@ -154,6 +154,10 @@ void importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& p
     std::string error;
     std::string bytes = loadFile(path, error);
     if (!error.empty()) return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
+    importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks);
+}
+
+void importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks) {
     if (session.store.INFO.empty())
         return reportImportError(session, dialogs, "\"" + bareName(session.currentPath) + "\" holds no dialogue responses to import into.");
     Import import(session, dialogs, removeLineBreaks, std::move(bytes));

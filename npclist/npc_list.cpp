@@ -149,6 +149,34 @@ bool isClone(const std::string& name) {
     return false;
 }
 
+std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones, const std::string& answer,
+                         int& count) {
+    std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
+    for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
+
+    // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
+    Sheet sheet(format, answer);
+    count = 0;
+    for (const CellRecord& cell : store.CELL) {
+        if (!containsIgnoreCase(cell.NAME, answer)) continue;
+        bool listed = false;
+        for (const CellReference& ref : cell.References) {
+            auto found = npcsById.find(foldedKey(ref.NAME));
+            if (found == npcsById.end()) continue;
+            for (std::size_t i : found->second) {
+                const NpcRecord& npc = store.NPC_[i];
+                if (skipClones && isClone(npc.FNAM)) continue;
+                if (!listed) sheet.cellHeader(cellTitle(cell));
+                listed = true;
+                sheet.entry(entryFor(store, npc));
+                ++count;
+            }
+        }
+        if (listed) sheet.cellFooter();
+    }
+    return sheet.finish(count);
+}
+
 void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
     // The checks read the displayed counts, not the store.
     if (session.counts.number(7) <= 0) {
@@ -174,31 +202,9 @@ void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, boo
     session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
     dialogs.refreshLog();
 
-    const RecordStore& store = session.store;
-    std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
-    for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
-
-    // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
-    Sheet sheet(format, answer);
     int count = 0;
-    for (const CellRecord& cell : store.CELL) {
-        if (!containsIgnoreCase(cell.NAME, answer)) continue;
-        bool listed = false;
-        for (const CellReference& ref : cell.References) {
-            auto found = npcsById.find(foldedKey(ref.NAME));
-            if (found == npcsById.end()) continue;
-            for (std::size_t i : found->second) {
-                const NpcRecord& npc = store.NPC_[i];
-                if (skipClones && isClone(npc.FNAM)) continue;
-                if (!listed) sheet.cellHeader(cellTitle(cell));
-                listed = true;
-                sheet.entry(entryFor(store, npc));
-                ++count;
-            }
-        }
-        if (listed) sheet.cellFooter();
-    }
-    std::string error = replaceFileSafely(path, sheet.finish(count));
+    std::string sheet = npcListSheet(session.store, format, skipClones, answer, count);
+    std::string error = replaceFileSafely(path, sheet);
     if (!error.empty()) {
         dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok, Icon::Critical, "");
         session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");

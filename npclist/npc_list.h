@@ -14,6 +14,10 @@ extern const char* const kHomePage;
 // dialogue writers. With skipClones, generic NPCs (guards, ordinators and the like) are left out.
 void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
 
+// The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
+std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones, const std::string& answer,
+                         int& count);
+
 // True for the generic NPCs that the clones filter leaves out, by display name.
 bool isClone(const std::string& name);
 

@@ -1,0 +1,100 @@
+#include "fuzz/fuzz_targets.h"
+
+#include "app/file_commands.h"
+#include "cleanup/text_rules.h"
+#include "dialogue/dialogue_commands.h"
+#include "npclist/npc_list.h"
+#include "records/es_read.h"
+#include "tools/record_builder.h"
+#include "writer/es_write.h"
+
+#include <string>
+
+namespace quillon::fuzz {
+
+namespace {
+
+// Answers like a user who keeps going: yes to all unknown records, trim over-long texts.
+class KeepGoing : public Prompts, public Dialogs {
+public:
+    void tell(const std::string&) override {}
+    Reply ask(const std::string&, bool withCancel) override { return withCancel ? Reply::Cancel : Reply::Yes; }
+    Answer message(const std::string&, Buttons b, Icon, const std::string&) override {
+        return b == Buttons::Ok ? Answer::Ok : Answer::No;
+    }
+    std::string input(const std::string&, const std::string&, const std::string&) override { return "a"; }
+    std::string openFile(const FileRequest&) override { return {}; }
+    std::string saveFile(const FileRequest&) override { return {}; }
+    std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
+    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text, const std::string& result,
+                    std::int32_t) override {
+        return {2, text, result};
+    }
+    void editOptions(CleanupSettings&) override {}
+    void about() override {}
+    void refreshLog() override {}
+};
+
+std::string bytesOf(const std::uint8_t* data, std::size_t size) {
+    return std::string(reinterpret_cast<const char*>(data), size);
+}
+
+// A store of three responses with the IDs 1, 2 and 3.
+const std::string& fixedPlugin() {
+    using namespace quillon::build;
+    static const std::string bytes = file(4, {Rec("DIAL").z("NAME", "Topic").sub("DATA", std::string(1, '\0')).bytes(),
+                                              Rec("INFO").z("INAM", "1").z("ONAM", "a").text("NAME", "One").bytes(),
+                                              Rec("INFO").z("INAM", "2").text("NAME", "Two\r\nlines").bytes(),
+                                              Rec("INFO").z("INAM", "3").z("ONAM", "c").text("NAME", "").bytes()});
+    return bytes;
+}
+
+} // namespace
+
+void read(const std::uint8_t* data, std::size_t size) {
+    RecordStore store;
+    KeepGoing answers;
+    std::int32_t count = 0;
+    ReadESBuffer(store, bytesOf(data, size), count, true, answers);
+    serialiseStore(store, count, 0, answers);
+    serialiseStore(store, count, 32, answers);
+}
+
+void importText(const std::uint8_t* data, std::size_t size) {
+    Session session;
+    KeepGoing answers;
+    std::int32_t count = 0;
+    ReadESBuffer(session.store, fixedPlugin(), count, true, answers);
+    importDialogueText(session, answers, bytesOf(data, size), size % 2 == 0);
+    serialiseStore(session.store, count, 0, answers);
+}
+
+void cleanup(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return;
+    unsigned bits = data[0] | unsigned(data[1]) << 8;
+    CleanupSettings s;
+    bool* flags[] = {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang,
+                     &s.isTemple,     &s.isDashes,   &s.isEllipsis,  &s.isSquare,      &s.isDashSpaces};
+    for (int i = 0; i < 10; ++i) *flags[i] = (bits >> i) & 1;
+    bool parity = (bits >> 10) & 1;
+    std::string text = bytesOf(data + 2, size - 2);
+    // Responses separated by NUL bytes, so that the quote parity carries between them.
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find('\0', start)) != std::string::npos; start = end + 1)
+        cleanResponse(text.substr(start, end - start), s, parity);
+    cleanResponse(text.substr(start), s, parity);
+}
+
+void npcList(const std::uint8_t* data, std::size_t size) {
+    if (size < 1) return;
+    RecordStore store;
+    KeepGoing answers;
+    std::int32_t count = 0;
+    ReadESBuffer(store, bytesOf(data + 1, size - 1), count, true, answers);
+    int listed = 0;
+    std::string answer(1, char(data[0] % 2 ? 'a' : data[0]));
+    for (NpcListFormat format : {NpcListFormat::PlainText, NpcListFormat::PhpBB, NpcListFormat::Html})
+        npcListSheet(store, format, data[0] & 4, answer, listed);
+}
+
+} // namespace quillon::fuzz
