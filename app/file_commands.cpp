@@ -4,6 +4,7 @@
 #include "writer/es_write.h"
 
 #include <cstdio>
+#include <filesystem>
 
 namespace quillon {
 
@@ -14,6 +15,20 @@ const char* const kOpenDataFilter =
 const char* const kSaveDataFilter =
     "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File "
     "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD| All Files (*.*)| *.*";
+
+namespace {
+
+// The file's size and last write time as one text; empty when it cannot be read.
+std::string stampOf(const std::string& path) {
+    std::error_code ec;
+    auto size = std::filesystem::file_size(path, ec);
+    if (ec) return {};
+    auto time = std::filesystem::last_write_time(path, ec);
+    if (ec) return {};
+    return std::to_string(size) + "@" + std::to_string(time.time_since_epoch().count());
+}
+
+} // namespace
 
 void Open(Session& session, Dialogs& dialogs) {
     FileRequest request;
@@ -46,6 +61,11 @@ double openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         session.log.LogLine(line);
         if (diagnostics.truncated)
             session.log.LogLine("-Warning: \"" + name + "\" ends inside a record; its last record is incomplete.");
+        if (recordCount == 0 && ms > 0)
+            session.log.LogLine("-Warning: \"" + name + "\" holds no records.");
+        else if (session.store.TES3.empty() && ms > 0)
+            session.log.LogLine("-Warning: \"" + name + "\" does not begin with a TES3 header; it may not be a data file.");
+        session.fileStamp = stampOf(path);
     }
     if (recordCount > 0) {
         session.fileGroupEnabled = true;
@@ -85,6 +105,7 @@ bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path,
                         Buttons::Ok, Icon::Critical, "");
         return false;
     }
+    if (result.status == WriteResult::Written) session.fileStamp = stampOf(path);
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
                         std::to_string(session.counts.number(kTotalLabel)) + " records have been written.");
@@ -94,9 +115,20 @@ bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path,
 } // namespace
 
 bool Save(Session& session, Dialogs& dialogs) {
-    session.log.LogLine("-Writing \"" + bareName(session.currentPath) + "\"...");
+    std::string name = bareName(session.currentPath);
+    session.log.LogLine("-Writing \"" + name + "\"...");
     dialogs.refreshLog();
-    return writeAndReport(session, dialogs, session.currentPath, "-An error occured. Nothing has been written.");
+    const char* failure = "-An error occured. Nothing has been written.";
+    // Another program changed the file since it was read: overwriting would lose that work.
+    std::string now = stampOf(session.currentPath);
+    if (!session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
+        dialogs.message("\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
+                        "records open here?",
+                        Buttons::YesNo, Icon::Warning, "") != Answer::Yes) {
+        session.log.LogLine(failure);
+        return false;
+    }
+    return writeAndReport(session, dialogs, session.currentPath, failure);
 }
 
 bool SaveAs(Session& session, Dialogs& dialogs) {

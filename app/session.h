@@ -21,6 +21,9 @@ struct Session {
     CleanupSettings settings;
     std::string openFolder; // where the next file dialog starts
     std::string codePage = "windows-1252"; // how the window shows the file's texts
+    // Size and time of the current file when it was last read or written, to notice changes by
+    // other programs before Save overwrites it.
+    std::string fileStamp;
 };
 
 // The longest response text the game takes.

@@ -26,15 +26,22 @@ std::string describe(int error) { return std::strerror(error); }
 #ifndef _WIN32
 std::string replaceFileSafely(const std::string& path, const std::string& bytes) {
     fs::path target(path);
-    fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     std::error_code ec;
-    if (fs::is_directory(target, ec)) return "\"" + target.filename().string() + "\" is a folder";
+    // A link is followed, so that the file it names is replaced and the link stays.
+    if (fs::is_symlink(target, ec)) {
+        fs::path resolved = fs::canonical(target, ec);
+        if (!ec) target = resolved;
+    }
+    fs::file_status status = fs::status(target, ec);
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        return "\"" + target.filename().string() + "\" is not an ordinary file";
+    fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     std::string pattern = (folder / ("." + target.filename().string() + ".quillon-XXXXXX")).string();
     int fd = ::mkstemp(pattern.data());
     if (fd < 0) return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
     // Keep the old file's permissions; a new file gets the usual ones.
     struct stat old {};
-    mode_t mode = ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
+    mode_t mode = ::stat(target.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
     ::fchmod(fd, mode);
     // Written in chunks, each handed to the disk at once, so that a big file never piles up as
     // dirty pages that the system would then make the writer wait for.
@@ -58,7 +65,7 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes)
     }
     if (!error && ::fsync(fd) != 0) error = errno;
     if (::close(fd) != 0 && !error) error = errno;
-    if (!error && ::rename(pattern.c_str(), path.c_str()) != 0) error = errno;
+    if (!error && ::rename(pattern.c_str(), target.c_str()) != 0) error = errno;
     if (error) {
         ::unlink(pattern.c_str());
         return describe(error);
