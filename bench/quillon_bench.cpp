@@ -9,6 +9,7 @@
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
+#include "tools/fixed_answers.h"
 #include "writer/es_write.h"
 
 #include <algorithm>
@@ -30,28 +31,12 @@ using namespace quillon;
 
 namespace {
 
-// Answers every question the way a batch run would: keep unknown records, trim over-long texts,
-// skip loop findings, export to scratch files.
-class BenchDialogs : public Dialogs {
-public:
+// The answers of a batch run; the NPC list and the quotes are for "Vivec", files go to scratch.
+struct BenchDialogs : FixedAnswers {
     std::string scratch;
-    Answer message(const std::string& text, Buttons, Icon, const std::string&) override {
-        if (text.rfind("Do you want to remove", 0) == 0) return Answer::No;
-        return Answer::Cancel;
-    }
-    std::string input(const std::string& prompt, const std::string&, const std::string&) override {
-        return prompt.rfind("Enter any part", 0) == 0 ? "Vivec" : "Vivec";
-    }
+    BenchDialogs() { typed = "Vivec"; }
     std::string openFile(const FileRequest&) override { return scratch + ".txt"; }
     std::string saveFile(const FileRequest&) override { return scratch + ".out"; }
-    std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
-    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text, const std::string& result,
-                    std::int32_t) override {
-        return {2, text, result};
-    }
-    void editOptions(CleanupSettings&) override {}
-    void about() override {}
-    void refreshLog() override {}
 };
 
 using Clock = std::chrono::steady_clock;
@@ -85,8 +70,7 @@ const std::vector<Command>& commands() {
         // Save's own work, without the disk: what the writers cost.
         {"serialise", open,
          [](Session& s, BenchDialogs& d, const std::string&) {
-             DialogPrompts prompts(d);
-             if (serialiseStore(s.store, std::int32_t(s.counts.number(kTotalLabel)), 1, prompts).empty()) std::abort();
+             if (serialiseStore(s.store, std::int32_t(s.counts.number(kTotalLabel)), 1, d).empty()) std::abort();
          }},
         {"export", open, [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
         {"import",

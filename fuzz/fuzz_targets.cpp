@@ -5,6 +5,7 @@
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
+#include "tools/fixed_answers.h"
 #include "tools/record_builder.h"
 #include "writer/es_write.h"
 
@@ -13,27 +14,6 @@
 namespace quillon::fuzz {
 
 namespace {
-
-// Answers like a user who keeps going: yes to all unknown records, trim over-long texts.
-class KeepGoing : public Prompts, public Dialogs {
-public:
-    void tell(const std::string&) override {}
-    Reply ask(const std::string&, bool withCancel) override { return withCancel ? Reply::Cancel : Reply::Yes; }
-    Answer message(const std::string&, Buttons b, Icon, const std::string&) override {
-        return b == Buttons::Ok ? Answer::Ok : Answer::No;
-    }
-    std::string input(const std::string&, const std::string&, const std::string&) override { return "a"; }
-    std::string openFile(const FileRequest&) override { return {}; }
-    std::string saveFile(const FileRequest&) override { return {}; }
-    std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
-    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text, const std::string& result,
-                    std::int32_t) override {
-        return {2, text, result};
-    }
-    void editOptions(CleanupSettings&) override {}
-    void about() override {}
-    void refreshLog() override {}
-};
 
 std::string bytesOf(const std::uint8_t* data, std::size_t size) {
     return std::string(reinterpret_cast<const char*>(data), size);
@@ -53,7 +33,7 @@ const std::string& fixedPlugin() {
 
 void read(const std::uint8_t* data, std::size_t size) {
     RecordStore store;
-    KeepGoing answers;
+    FixedAnswers answers;
     std::int32_t count = 0;
     ReadESBuffer(store, bytesOf(data, size), count, true, answers);
     serialiseStore(store, count, 0, answers);
@@ -62,7 +42,7 @@ void read(const std::uint8_t* data, std::size_t size) {
 
 void importText(const std::uint8_t* data, std::size_t size) {
     Session session;
-    KeepGoing answers;
+    FixedAnswers answers;
     std::int32_t count = 0;
     ReadESBuffer(session.store, fixedPlugin(), count, true, answers);
     importDialogueText(session, answers, bytesOf(data, size), size % 2 == 0);
@@ -88,7 +68,7 @@ void cleanup(const std::uint8_t* data, std::size_t size) {
 void npcList(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return;
     RecordStore store;
-    KeepGoing answers;
+    FixedAnswers answers;
     std::int32_t count = 0;
     ReadESBuffer(store, bytesOf(data + 1, size - 1), count, true, answers);
     int listed = 0;
