@@ -42,9 +42,10 @@ Commands:
 Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
   --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
 
-Options that every command which opens a file takes:
+Every command that opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
                                    every further one, with a warning)
+Every command that saves a data file (save, import-dialogue, morrowindize) takes:
   --yes                            answer yes when asked to write a savegame
 Log lines go to standard error. Exit status: 0 success, 1 failure, 2 bad usage.
 )";

@@ -59,3 +59,30 @@ TEST(Cli, SaveRefusesASavegameWithoutYes) {
     EXPECT_EQ(done.status, 0);
     EXPECT_EQ(readAll(dir.file("out.ess")).substr(28, 4), le32(32));
 }
+
+TEST(Cli, EveryCommandOnTheSamplePlugin) {
+    TempDir dir;
+    std::string sample = std::string(QUILLON_SAMPLES) + "/kestrel_sample.esp";
+    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample plugin at " << sample;
+    EXPECT_EQ(cli({"export-dialogue", sample, "-o", dir.file("d.txt")}).status, 0);
+    CliRun long_ = cli({"import-dialogue", sample, dir.file("d.txt"), "-o", dir.file("i.esp")});
+    EXPECT_EQ(long_.status, 1); // one response is over 512 characters
+    EXPECT_NE(long_.err.find("response \"32141306822751913985\" is longer than 512 characters"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("i.esp")));
+    EXPECT_EQ(cli({"import-dialogue", sample, dir.file("d.txt"), "-o", dir.file("i.esp"), "--long=trim"}).status, 0);
+
+    CliRun loops = cli({"loops", sample, "--fail-on-loop"});
+    EXPECT_EQ(loops.status, 1);
+    EXPECT_EQ(loops.out, "actor \"ks_fenrick\", topic \"little secret\", choice 2: Choice \"Yes tell me again\" 2 "
+                         "\"No thank you\" 3\n");
+    EXPECT_EQ(cli({"loops", sample}).status, 0);
+
+    EXPECT_EQ(cli({"quotes", sample, "--city", "Kestrel", "--format", "kst", "-o", dir.file("q.kst")}).status, 0);
+    EXPECT_EQ(readAll(dir.file("q.kst")).size() % 576, 0u);
+    EXPECT_EQ(cli({"npc-list", sample, "--cell", "KESTREL", "--no-clones", "-o", dir.file("n.txt")}).status, 0);
+    EXPECT_EQ(readAll(dir.file("n.txt")).substr(readAll(dir.file("n.txt")).size() - 13), "Total NPCs: 3");
+    CliRun cleaned = cli({"morrowindize", sample, "-o", dir.file("m.esp"), "--all"});
+    EXPECT_EQ(cleaned.status, 0);
+    EXPECT_NE(cleaned.err.find("kept the original text of a response of \"ks_fenrick\""), std::string::npos);
+    EXPECT_EQ(cli({"npc-list", sample, "--cell", "x", "--format", "pdf", "-o", dir.file("n")}).status, 2);
+}

@@ -1,0 +1,8 @@
+execute_process(COMMAND ${GENERATOR} ${OUT} RESULT_VARIABLE made)
+if(NOT made EQUAL 0)
+  message(FATAL_ERROR "make_sample failed")
+endif()
+execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${OUT} ${EXPECTED} RESULT_VARIABLE differs)
+if(NOT differs EQUAL 0)
+  message(FATAL_ERROR "samples/kestrel_sample.esp differs from what tools/make_sample.cpp makes; regenerate it")
+endif()
