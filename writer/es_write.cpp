@@ -3,6 +3,7 @@
 #include "writer/safe_file.h"
 #include "writer/write_common.h"
 
+#include <algorithm>
 #include <cctype>
 #include <chrono>
 
@@ -23,12 +24,15 @@ template <class R, class F> void writeAll(const std::vector<R>& array, std::int3
     }
 }
 
+// What the output will take, to reserve it at once. Stored sizes can be anything in a damaged
+// file, so the estimate never exceeds the file that was read (and grows as usual beyond it).
 std::size_t estimatedSize(RecordStore& store) {
     std::size_t total = 0;
     store.forEachArray([&](const auto& array) {
         for (const auto& r : array) total += 16 + std::size_t(r.Size > 0 ? r.Size : 0);
     });
-    return total;
+    std::size_t limit = store.source ? store.source->size() : std::size_t(1) << 20;
+    return std::min(total, limit) + 64;
 }
 
 } // namespace
@@ -42,7 +46,7 @@ std::int32_t fileTypeFor(const std::string& path) {
 
 std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts) {
     ByteSink out;
-    out.bytes().reserve(estimatedSize(store) + 64);
+    out.bytes().reserve(estimatedSize(store));
     std::int32_t written = 0;
     const RecordStore& s = store;
     writeAll(s.TES3, written, [&](auto& r) { WriteTes3Record(out, r, recordCount, fileType); });
