@@ -59,15 +59,6 @@ public:
         }
         pos_ += std::size_t(n);
     }
-    // n bytes taken whole, clamped to what is left.
-    std::string text(std::int64_t n) {
-        if (n <= 0) return {};
-        std::size_t take = std::uint64_t(n) > remaining() ? remaining() : std::size_t(n);
-        std::string s(reinterpret_cast<const char*>(data_ + pos_), take);
-        pos_ += take;
-        if (take < std::uint64_t(n)) failed_ = true;
-        return s;
-    }
     // n bytes where they stand in the buffer, clamped to what is left.
     std::string_view view(std::int64_t n) {
         if (n <= 0) return {};
@@ -77,6 +68,8 @@ public:
         if (take < std::uint64_t(n)) failed_ = true;
         return v;
     }
+    // n bytes taken whole, clamped to what is left.
+    std::string text(std::int64_t n) { return std::string(view(n)); }
     // A zero-terminated text whose sub-record size counts the terminator: size - 1 bytes, then
     // one byte passed over.
     std::string ztext(std::int32_t size) {

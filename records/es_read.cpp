@@ -19,13 +19,6 @@ double msSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-template <class R, class F> Tag appendTo(std::vector<R>& array, F&& read) {
-    R scratch;
-    Tag next = read(scratch);
-    array.push_back(std::move(scratch));
-    return next;
-}
-
 // Sizes the arrays that hold most of a big file from a walk of the record headers, so that they
 // do not grow by copying while the file is read. A file whose sizes mislead gets smaller arrays
 // that then grow as usual.

@@ -66,6 +66,14 @@ inline bool objectText(ByteCursor& in, Tag t, ObjectTexts& o) {
     }
 }
 
+// Reads one record into a fresh element and appends it to its array; returns the next tag.
+template <class R, class F> Tag appendTo(std::vector<R>& array, F&& read) {
+    R scratch;
+    Tag next = read(scratch);
+    array.push_back(std::move(scratch));
+    return next;
+}
+
 struct RecordStore;
 
 Tag readTes3(ByteCursor& in, Tes3Record& r);

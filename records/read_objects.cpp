@@ -536,51 +536,44 @@ Tag readPgrd(ByteCursor& in, PgrdRecord& r) {
     });
 }
 
-template <class R, class F> Tag into(std::vector<R>& array, F&& read) {
-    R scratch;
-    Tag next = read(scratch);
-    array.push_back(std::move(scratch));
-    return next;
-}
-
 } // namespace
 
 bool readObjectRecord(ByteCursor& in, Tag t, RecordStore& s, Tag& next) {
     auto item = [&](auto& array, auto dataTag, auto member) {
-        return into(array, [&](auto& r) {
+        return appendTo(array, [&](auto& r) {
             return readItem(in, r, dataTag, r.*member.first, r.*member.second, nothingMore);
         });
     };
     switch (t) {
-    case tag("GMST"): next = into(s.GMST, [&](auto& r) { return readGmst(in, r); }); return true;
-    case tag("GLOB"): next = into(s.GLOB, [&](auto& r) { return readGlob(in, r); }); return true;
-    case tag("CLAS"): next = into(s.CLAS, [&](auto& r) { return readClas(in, r); }); return true;
-    case tag("FACT"): next = into(s.FACT, [&](auto& r) { return readFact(in, r); }); return true;
-    case tag("RACE"): next = into(s.RACE, [&](auto& r) { return readRace(in, r); }); return true;
-    case tag("SOUN"): next = into(s.SOUN, [&](auto& r) { return readSoun(in, r); }); return true;
-    case tag("SKIL"): next = into(s.SKIL, [&](auto& r) { return readSkil(in, r); }); return true;
-    case tag("MGEF"): next = into(s.MGEF, [&](auto& r) { return readMgef(in, r); }); return true;
-    case tag("SCPT"): next = into(s.SCPT, [&](auto& r) { return readScpt(in, r); }); return true;
-    case tag("REGN"): next = into(s.REGN, [&](auto& r) { return readRegn(in, r); }); return true;
-    case tag("BSGN"): next = into(s.BSGN, [&](auto& r) { return readBsgn(in, r); }); return true;
-    case tag("LTEX"): next = into(s.LTEX, [&](auto& r) { return readLtex(in, r); }); return true;
-    case tag("STAT"): next = into(s.STAT, [&](auto& r) { return readStat(in, r); }); return true;
-    case tag("DOOR"): next = into(s.DOOR, [&](auto& r) { return readDoor(in, r); }); return true;
+    case tag("GMST"): next = appendTo(s.GMST, [&](auto& r) { return readGmst(in, r); }); return true;
+    case tag("GLOB"): next = appendTo(s.GLOB, [&](auto& r) { return readGlob(in, r); }); return true;
+    case tag("CLAS"): next = appendTo(s.CLAS, [&](auto& r) { return readClas(in, r); }); return true;
+    case tag("FACT"): next = appendTo(s.FACT, [&](auto& r) { return readFact(in, r); }); return true;
+    case tag("RACE"): next = appendTo(s.RACE, [&](auto& r) { return readRace(in, r); }); return true;
+    case tag("SOUN"): next = appendTo(s.SOUN, [&](auto& r) { return readSoun(in, r); }); return true;
+    case tag("SKIL"): next = appendTo(s.SKIL, [&](auto& r) { return readSkil(in, r); }); return true;
+    case tag("MGEF"): next = appendTo(s.MGEF, [&](auto& r) { return readMgef(in, r); }); return true;
+    case tag("SCPT"): next = appendTo(s.SCPT, [&](auto& r) { return readScpt(in, r); }); return true;
+    case tag("REGN"): next = appendTo(s.REGN, [&](auto& r) { return readRegn(in, r); }); return true;
+    case tag("BSGN"): next = appendTo(s.BSGN, [&](auto& r) { return readBsgn(in, r); }); return true;
+    case tag("LTEX"): next = appendTo(s.LTEX, [&](auto& r) { return readLtex(in, r); }); return true;
+    case tag("STAT"): next = appendTo(s.STAT, [&](auto& r) { return readStat(in, r); }); return true;
+    case tag("DOOR"): next = appendTo(s.DOOR, [&](auto& r) { return readDoor(in, r); }); return true;
     case tag("MISC"):
         next = item(s.MISC, tag("MCDT"), std::pair{&MiscRecord::MCDTSize, &MiscRecord::MCDT});
         return true;
     case tag("WEAP"):
-        next = into(s.WEAP, [&](WeapRecord& r) {
+        next = appendTo(s.WEAP, [&](WeapRecord& r) {
             return readItem(in, r, tag("WPDT"), r.WPDTSize, r.WPDT,
                             [&](Tag& t2) { return readEnchantment(in, t2, r); });
         });
         return true;
-    case tag("CONT"): next = into(s.CONT, [&](auto& r) { return readCont(in, r); }); return true;
-    case tag("SPEL"): next = into(s.SPEL, [&](auto& r) { return readSpel(in, r); }); return true;
-    case tag("ENCH"): next = into(s.ENCH, [&](auto& r) { return readEnch(in, r); }); return true;
-    case tag("BODY"): next = into(s.BODY, [&](auto& r) { return readBody(in, r); }); return true;
+    case tag("CONT"): next = appendTo(s.CONT, [&](auto& r) { return readCont(in, r); }); return true;
+    case tag("SPEL"): next = appendTo(s.SPEL, [&](auto& r) { return readSpel(in, r); }); return true;
+    case tag("ENCH"): next = appendTo(s.ENCH, [&](auto& r) { return readEnch(in, r); }); return true;
+    case tag("BODY"): next = appendTo(s.BODY, [&](auto& r) { return readBody(in, r); }); return true;
     case tag("LIGH"):
-        next = into(s.LIGH, [&](LighRecord& r) {
+        next = appendTo(s.LIGH, [&](LighRecord& r) {
             return readItem(in, r, tag("LHDT"), r.LHDTSize, r.LHDT, [&](Tag& t2) {
                 if (t2 != tag("SNAM")) return Step::End;
                 zsub(in, r.SNAMSize, r.SNAM);
@@ -588,8 +581,8 @@ bool readObjectRecord(ByteCursor& in, Tag t, RecordStore& s, Tag& next) {
             });
         });
         return true;
-    case tag("ARMO"): next = into(s.ARMO, [&](auto& r) { return readArmo(in, r); }); return true;
-    case tag("CLOT"): next = into(s.CLOT, [&](auto& r) { return readClot(in, r); }); return true;
+    case tag("ARMO"): next = appendTo(s.ARMO, [&](auto& r) { return readArmo(in, r); }); return true;
+    case tag("CLOT"): next = appendTo(s.CLOT, [&](auto& r) { return readClot(in, r); }); return true;
     case tag("REPA"):
         next = item(s.REPA, tag("RIDT"), std::pair{&RepaRecord::DataSize, &RepaRecord::Data});
         return true;
@@ -599,24 +592,24 @@ bool readObjectRecord(ByteCursor& in, Tag t, RecordStore& s, Tag& next) {
     case tag("PROB"):
         next = item(s.PROB, tag("PBDT"), std::pair{&RepaRecord::DataSize, &RepaRecord::Data});
         return true;
-    case tag("ACTI"): next = into(s.ACTI, [&](auto& r) { return readActi(in, r); }); return true;
+    case tag("ACTI"): next = appendTo(s.ACTI, [&](auto& r) { return readActi(in, r); }); return true;
     case tag("APPA"):
         next = item(s.APPA, tag("AADT"), std::pair{&AppaRecord::AADTSize, &AppaRecord::AADT});
         return true;
     case tag("INGR"):
         next = item(s.INGR, tag("IRDT"), std::pair{&IngrRecord::IRDTSize, &IngrRecord::IRDT});
         return true;
-    case tag("BOOK"): next = into(s.BOOK, [&](auto& r) { return readBook(in, r); }); return true;
-    case tag("ALCH"): next = into(s.ALCH, [&](auto& r) { return readAlch(in, r); }); return true;
+    case tag("BOOK"): next = appendTo(s.BOOK, [&](auto& r) { return readBook(in, r); }); return true;
+    case tag("ALCH"): next = appendTo(s.ALCH, [&](auto& r) { return readAlch(in, r); }); return true;
     case tag("LEVI"):
-        next = into(s.LEVI, [&](auto& r) { return readLeveled(in, r, tag("INAM")); });
+        next = appendTo(s.LEVI, [&](auto& r) { return readLeveled(in, r, tag("INAM")); });
         return true;
     case tag("LEVC"):
-        next = into(s.LEVC, [&](auto& r) { return readLeveled(in, r, tag("CNAM")); });
+        next = appendTo(s.LEVC, [&](auto& r) { return readLeveled(in, r, tag("CNAM")); });
         return true;
-    case tag("SNDG"): next = into(s.SNDG, [&](auto& r) { return readSndg(in, r); }); return true;
-    case tag("SSCR"): next = into(s.SSCR, [&](auto& r) { return readSscr(in, r); }); return true;
-    case tag("PGRD"): next = into(s.PGRD, [&](auto& r) { return readPgrd(in, r); }); return true;
+    case tag("SNDG"): next = appendTo(s.SNDG, [&](auto& r) { return readSndg(in, r); }); return true;
+    case tag("SSCR"): next = appendTo(s.SSCR, [&](auto& r) { return readSscr(in, r); }); return true;
+    case tag("PGRD"): next = appendTo(s.PGRD, [&](auto& r) { return readPgrd(in, r); }); return true;
     default: return false;
     }
 }
