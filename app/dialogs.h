@@ -1,12 +1,14 @@
 #pragma once
 #include "app/cleanup_settings.h"
+#include "records/prompts.h"
 
 #include <cstdint>
 #include <string>
 
 namespace quillon {
 
-enum class Buttons { Ok, YesNo, YesNoCancel };
+// YesNoDefaultNo: a question whose Yes would destroy something, so that Enter keeps it.
+enum class Buttons { Ok, YesNo, YesNoCancel, YesNoDefaultNo };
 enum class Icon { None, Information, Question, Warning, Critical };
 enum class Answer { Ok, Yes, No, Cancel };
 
@@ -49,6 +51,8 @@ public:
     virtual LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                             const std::string& result, std::int32_t choice) = 0;
     virtual void editOptions(CleanupSettings& settings) = 0;
+    // Output that would be damaged: write nothing (the default), repair it or write it as it is.
+    virtual DamageChoice damagedOutput(const DamageReport& report) = 0;
     virtual void about() = 0;
     // Shows the log at once, before long work starts.
     virtual void refreshLog() = 0;

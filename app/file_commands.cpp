@@ -28,6 +28,13 @@ std::string stampOf(const std::string& path) {
     return std::to_string(size) + "@" + std::to_string(time.time_since_epoch().count());
 }
 
+// True when both paths name one file (or are spelled alike).
+bool sameFile(const std::string& a, const std::string& b) {
+    if (a == b) return true;
+    std::error_code ec;
+    return std::filesystem::equivalent(a, b, ec) && !ec;
+}
+
 } // namespace
 
 void Open(Session& session, Dialogs& dialogs) {
@@ -66,6 +73,7 @@ double openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         else if (session.store.TES3.empty() && ms > 0)
             session.log.LogLine("-Warning: \"" + name + "\" does not begin with a TES3 header; it may not be a data file.");
         session.fileStamp = stampOf(path);
+        session.recordsPath = path;
     }
     if (recordCount > 0) {
         session.fileGroupEnabled = true;
@@ -83,6 +91,7 @@ void Close(Session& session) {
     session.fileGroupEnabled = false;
     session.log.LogLine("-Closed \"" + bareName(session.currentPath) + "\" successfully.");
     session.currentPath.clear();
+    session.recordsPath.clear();
 }
 
 void Exit(Session& session) {
@@ -105,7 +114,14 @@ bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path,
                         Buttons::Ok, Icon::Critical, "");
         return false;
     }
-    if (result.status == WriteResult::Written) session.fileStamp = stampOf(path);
+    if (result.status == WriteResult::Refused) {
+        session.log.LogLine(failureLine);
+        return false;
+    }
+    if (result.status == WriteResult::Written) {
+        session.fileStamp = stampOf(path);
+        session.recordsPath = path;
+    }
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
                         std::to_string(session.counts.number(kTotalLabel)) + " records have been written.");
@@ -119,12 +135,21 @@ bool Save(Session& session, Dialogs& dialogs) {
     session.log.LogLine("-Writing \"" + name + "\"...");
     dialogs.refreshLog();
     const char* failure = "-An error occured. Nothing has been written.";
+    // After a refused Open the current file is not the one the records came from: replacing it
+    // would destroy a file that was never read.
+    if (!session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath) &&
+        dialogs.message("The records open here were read from \"" + bareName(session.recordsPath) +
+                            "\". Save would replace \"" + name + "\" with them.",
+                        Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
+        session.log.LogLine(failure);
+        return false;
+    }
     // Another program changed the file since it was read: overwriting would lose that work.
     std::string now = stampOf(session.currentPath);
     if (!session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
         dialogs.message("\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
                         "records open here?",
-                        Buttons::YesNo, Icon::Warning, "") != Answer::Yes) {
+                        Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
         return false;
     }

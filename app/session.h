@@ -14,6 +14,9 @@ namespace quillon {
 struct Session {
     RecordStore store;
     std::string currentPath; // full path of the open file; empty when none is open
+    // The file the records in the store were read from (or last written to). It differs from
+    // currentPath after a refused Open, which keeps the earlier file's records.
+    std::string recordsPath;
     Log log;
     RecordCounts counts;
     // The file-dependent buttons and menu entries, always switched together.
@@ -44,6 +47,7 @@ public:
     explicit DialogPrompts(Dialogs& dialogs) : dialogs_(dialogs) {}
     void tell(const std::string& text) override;
     Reply ask(const std::string& text, bool withCancel) override;
+    DamageChoice damagedOutput(const DamageReport& report) override { return dialogs_.damagedOutput(report); }
 
 private:
     Dialogs& dialogs_;

@@ -5,9 +5,14 @@ namespace quillon {
 Arguments parseArguments(const std::vector<std::string>& args, const std::set<std::string>& flags,
                          const std::set<std::string>& valued) {
     Arguments a;
+    bool optionsEnded = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
-        if (arg.size() < 2 || arg[0] != '-') {
+        if (!optionsEnded && arg == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        if (optionsEnded || arg.size() < 2 || arg[0] != '-') {
             a.positional.push_back(arg);
             continue;
         }
@@ -25,6 +30,11 @@ Arguments parseArguments(const std::vector<std::string>& args, const std::set<st
                     return a;
                 }
                 value = args[++i];
+            }
+            // An empty output name would otherwise mean "no -o": the input itself.
+            if (name == "-o" && value.empty()) {
+                a.error = "-o needs a file name";
+                return a;
             }
             a.values[name] = value;
         } else if (flags.count(name) && !hasValue) {

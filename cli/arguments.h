@@ -6,7 +6,8 @@
 
 namespace quillon {
 
-// A command's arguments: positional words, "--flag", "--name=value", "--name value" and "-o value".
+// A command's arguments: positional words, "--flag", "--name=value", "--name value" and "-o value";
+// "--" ends the options.
 struct Arguments {
     std::vector<std::string> positional;
     std::map<std::string, std::string> values;

@@ -1,5 +1,7 @@
 #include "cli/cli_dialogs.h"
 
+#include "app/damage_report.h"
+
 #include <iostream>
 #include <utility>
 
@@ -44,8 +46,9 @@ Answer CliDialogs::message(const std::string& text, Buttons buttons, Icon, const
     if (startsWith(text, "Unknown record encountered")) return unknownRecord(text);
     if (startsWith(text, "Writing ESS files")) {
         if (yes) return Answer::Yes;
+        if (no) return Answer::No;
         throw CliError("the target is a savegame; writing one is likely to give an unusable file (add --yes to "
-                       "write it all the same)");
+                       "write it all the same, or --no to leave it)");
     }
     if (buttons == Buttons::Ok) {
         *err << "quillon: " << forTerminal(text) << "\n";
@@ -53,6 +56,23 @@ Answer CliDialogs::message(const std::string& text, Buttons buttons, Icon, const
     }
     if (answer) return answer(text, buttons);
     throw CliError("no answer on the command line to: " + forTerminal(text));
+}
+
+DamageChoice CliDialogs::damagedOutput(const DamageReport& report) {
+    const char* verdict = onDamage == DamageChoice::Repair     ? "repairing them"
+                          : onDamage == DamageChoice::WriteAsIs ? "writing them as they are (--force)"
+                                                                : "nothing has been written";
+    *err << "quillon: " << report.records.size() << " record(s) of \"" << forTerminal(report.file)
+         << "\" would be written damaged; " << verdict << ":\n";
+    for (const DamagedRecord& record : report.records) *err << "  " << forTerminal(describeDamage(record)) << "\n";
+    if (onDamage == DamageChoice::Repair && !report.repairable) {
+        *err << "quillon: a repair would not give a file that reads back whole; nothing has been written\n";
+        return DamageChoice::WriteNothing;
+    }
+    if (onDamage == DamageChoice::WriteNothing)
+        *err << "quillon: add --repair to write them so that the file reads back whole, or --force to write them "
+                "as the format's rules give them\n";
+    return onDamage;
 }
 
 std::string CliDialogs::input(const std::string& prompt, const std::string&, const std::string&) {

@@ -18,7 +18,10 @@ class CliDialogs : public Dialogs {
 public:
     enum class Unknown { Ask, Yes, No, YesToAll, Default };
     Unknown unknown = Unknown::Default;
-    bool yes = false;          // answers the savegame question
+    bool yes = false;          // answers the savegame question with Yes
+    bool no = false;           // answers it with No
+    // What to do with output that would be damaged: --repair, --force, or write nothing.
+    DamageChoice onDamage = DamageChoice::WriteNothing;
     std::ostream* err = &std::cerr; // where messages and warnings go
     std::string openPath;      // the answer to the next open dialog
     std::string savePath;      // the answer to the next save dialog
@@ -38,6 +41,7 @@ public:
     LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings&) override {}
+    DamageChoice damagedOutput(const DamageReport& report) override;
     void about() override {}
     void refreshLog() override {}
 

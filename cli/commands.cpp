@@ -19,7 +19,8 @@ const char* const kUsage = R"(usage: quillon COMMAND [ARGUMENTS]
 
 Commands:
   counts FILE                      open FILE; print its log lines and the 57 record counts
-  save FILE [-o OUT]               open FILE and save it back (or to OUT)
+  save FILE [-o OUT] [--repair|--force] [--yes|--no]
+                                   open FILE and save it back (or to OUT)
   export-dialogue FILE -o OUT.txt  every response of FILE to a text file (four quoted lines each)
   import-dialogue FILE IN.txt -o OUT [--remove-line-breaks] [--long=trim|cancel]
                                    put the edited responses of IN.txt back and save as OUT; a
@@ -46,7 +47,13 @@ Every command that opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
                                    every further one, with a warning)
 Every command that saves a data file (save, import-dialogue, morrowindize) takes:
-  --yes                            answer yes when asked to write a savegame
+  --yes, --no                      answer yes or no when asked to write a savegame (no: nothing is
+                                   written, and the finishing line says so with a time of 0.000)
+  --repair                         when records would be written damaged (their bytes disagree
+                                   with their sizes), write them so that the file reads back whole
+  --force                          write such records as the format's rules give them, damaged
+  Without either, damaged output is refused: nothing is written, the records are listed, exit 1.
+"--" ends the options, so that a file named "-x.esp" can be given.
 Log lines go to standard error. Exit status: 0 success, 1 failure, 2 bad usage.
 )";
 
@@ -238,15 +245,23 @@ int npcListCommand(Context& c) {
     return c.failedSince(mark) || c.logged.size() == mark ? 1 : 0;
 }
 
+// The flags of every command that saves a data file.
+const std::set<std::string> kWriteOptions = {"--help", "--yes", "--no", "--repair", "--force"};
+
+std::set<std::string> withWriteOptions(std::set<std::string> more) {
+    more.insert(kWriteOptions.begin(), kWriteOptions.end());
+    return more;
+}
+
 const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
-        {"save", 1, {"--help", "--yes"}, {"--unknown", "-o"}, saveCommand},
+        {"save", 1, kWriteOptions, {"--unknown", "-o"}, saveCommand},
         {"export-dialogue", 1, {"--help"}, {"--unknown", "-o"}, exportCommand, {"-o"}},
-        {"import-dialogue", 2, {"--help", "--yes", "--remove-line-breaks"}, {"--unknown", "-o", "--long"},
+        {"import-dialogue", 2, withWriteOptions({"--remove-line-breaks"}), {"--unknown", "-o", "--long"},
          importCommand, {"-o"}},
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
-        {"morrowindize", 1, kCleanupOptionsWith({"--yes"}), {"--unknown", "-o"}, morrowindizeCommand, {"-o"}},
+        {"morrowindize", 1, kCleanupOptionsWith(kWriteOptions), {"--unknown", "-o"}, morrowindizeCommand, {"-o"}},
         {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
         {"npc-list", 1, {"--help", "--no-clones"}, {"--unknown", "--cell", "--format", "-o"}, npcListCommand,
          {"--cell", "-o"}},
@@ -293,7 +308,14 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             err << "quillon: --unknown takes ask, yes, no or yes-to-all\n";
             return 2;
         }
+        if ((parsed.has("--yes") && parsed.has("--no")) || (parsed.has("--repair") && parsed.has("--force"))) {
+            err << "quillon " << command.name << ": --yes and --no, or --repair and --force, exclude each other\n";
+            return 2;
+        }
         c.dialogs.yes = parsed.has("--yes");
+        c.dialogs.no = parsed.has("--no");
+        if (parsed.has("--repair")) c.dialogs.onDamage = DamageChoice::Repair;
+        if (parsed.has("--force")) c.dialogs.onDamage = DamageChoice::WriteAsIs;
         c.dialogs.err = &err;
         c.session.log.onLine = [&c](const std::string& line) {
             c.logged.push_back(line);

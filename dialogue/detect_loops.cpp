@@ -68,7 +68,10 @@ void DetectLoops(Session& session, Dialogs& dialogs) {
                 if (!offersChoice(line, c.INTV)) continue;
                 LoopFix fix = dialogs.fixLoop(r.ONAM, r.Topic, r.NAME, r.BNAM, c.INTV);
                 if (fix.status == 0) {
-                    // The sizes stay as they were; the writer writes them as stored.
+                    // The sizes stay as they were; the writer writes them as stored, and the
+                    // write check names the response if they no longer fit.
+                    if (fix.text != r.NAME || fix.result != r.BNAM)
+                        session.store.editNotes[&r] = "response text changed by the loop fix without its sizes";
                     r.NAME = fix.text;
                     r.BNAM = fix.result;
                 } else if (fix.status == 1) {

@@ -84,6 +84,9 @@ private:
         text = collapseDoubledQuotes(unquote(text));
         if (text.size() > kMaxResponse) text = fitLongText(r, text);
         adjustSizes(r, text);
+        if (text.empty() && !r.NAME.empty())
+            s_.store.editNotes[&r] = "response text emptied by the import: its size still counts the text's "
+                                     "sub-record, which is no longer written";
         r.NAME = std::move(text);
         if (last) {
             s_.log.LogLine("-Imported " + std::to_string(s_.store.INFO.size()) + " responses to \"" +

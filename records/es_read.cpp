@@ -168,7 +168,7 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
             default: break;
             }
             if (raw) {
-                next = appendTo(*raw, [&](auto& r) { return readRaw(in, t, r, true); });
+                next = appendTo(*raw, [&](auto& r) { return readRaw(in, t, r); });
                 break;
             }
             if (!store.SkipUnknownPrompt) {
@@ -182,7 +182,7 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
                 }
                 if (reply == Reply::Cancel) store.SkipUnknownPrompt = true;
             }
-            next = appendTo(store.Unknown, [&](auto& r) { return readRaw(in, t, r, false); });
+            next = appendTo(store.Unknown, [&](auto& r) { return readRaw(in, t, r); });
             break;
         }
         }

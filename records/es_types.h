@@ -61,6 +61,10 @@ private:
 
 struct RecordHeader {
     i32 Size = 0, Header1 = 0, Flags = 0;
+    // Where the record's tag stands in the file read, to name it in messages.
+    std::uint32_t Offset = 0;
+    // The record carried a DELE sub-record: the editors delete records so, whatever the Flags say.
+    bool Dele = false;
 };
 
 // ---- Header and raw records ----
@@ -94,8 +98,8 @@ struct Tes3Record : RecordHeader {
 // LAND, the save-game records and records of unknown type.
 struct RawRecord : RecordHeader {
     std::string Tag; // four characters
-    // The record's bytes in the file the store was read from; empty for unknown records, whose
-    // data are skipped.
+    // The record's bytes in the file the store was read from. Records of unknown type keep them
+    // only for a repair: the format writes them as a bare header.
     std::string_view Data;
 };
 
@@ -159,7 +163,8 @@ struct InfoRecord : RecordHeader {
     u8 QSTR = 0;
     i32 ACDTSize = 0;
     std::string ACDT;
-    std::array<InfoCondition, 6> Conditions{};
+    // In file order; the game's own files hold at most six, but every one read is kept.
+    std::vector<InfoCondition> Conditions;
     i32 BNAMSize = 0;
     std::string BNAM;
     i32 XIDXSize = 0;
@@ -224,7 +229,8 @@ struct ActorLists {
     std::vector<FollowPackage> Follow;
     std::vector<FollowPackage> Escort;
     std::vector<ActivatePackage> Activate;
-    std::array<TravelDestination, 4> Destinations{};
+    // Every run in file order; the game's own actors hold at most four.
+    std::vector<TravelDestination> Destinations;
     i32 INDXSize = 0;
     i32 INDX = 0;
 };
@@ -593,7 +599,8 @@ struct Effect {
     i32 ENAMSize = 0;
     Bytes<24> ENAM{};
 };
-using EffectSlots = std::array<Effect, 8>;
+// In file order; the game's own records hold at most eight, but every one read is kept.
+using EffectSlots = std::vector<Effect>;
 
 struct SpelRecord : RecordHeader {
     i32 NAMESize = 0;
@@ -639,7 +646,8 @@ struct BodyPartSlot {
     i32 CNAMSize = 0;
     std::string CNAM;
 };
-using BodyPartSlots = std::array<BodyPartSlot, 7>;
+// In file order; the game's own records hold at most seven groups, but every one read is kept.
+using BodyPartSlots = std::vector<BodyPartSlot>;
 
 struct ArmoRecord : RecordHeader, ObjectTexts {
     i32 ENAMSize = 0;
@@ -757,6 +765,6 @@ struct PgrdRecord : RecordHeader {
 
 // True when the low byte of a record's flags marks it deleted. The threshold is decimal 20 on
 // purpose: every low byte from 20 upwards counts, the 0x20 bit included.
-inline bool isDeleted(const RecordHeader& r) { return (r.Flags & 0xFF) >= 20; }
+inline bool isDeleted(const RecordHeader& r) { return (r.Flags & 0xFF) >= 20 || r.Dele; }
 
 } // namespace quillon

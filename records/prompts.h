@@ -1,9 +1,28 @@
 #pragma once
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
 enum class Reply { Ok, Yes, No, Cancel };
+
+// A record that would reach the file damaged: its bytes would not frame as its size words say.
+struct DamagedRecord {
+    std::string tag;
+    std::string id;          // NAME, INAM, INDX or the script name; empty when it has none
+    std::uint32_t offset = 0; // where it was read
+    std::string cause;
+};
+
+struct DamageReport {
+    std::string file; // the bare name of the file about to be written
+    std::vector<DamagedRecord> records;
+    bool repairable = false; // a repair would give a file that frames throughout
+};
+
+// What to do with output that would be damaged; the first choice writes nothing.
+enum class DamageChoice { WriteNothing, Repair, WriteAsIs };
 
 // The questions and messages that reading and writing raise, answered by whichever front end runs
 // them. Boxes carry no icon and the application's own title.
@@ -14,6 +33,8 @@ public:
     virtual void tell(const std::string& text) = 0;
     // A question with Yes and No, and Cancel when asked for.
     virtual Reply ask(const std::string& text, bool withCancel) = 0;
+    // Output that would be damaged, before anything is replaced.
+    virtual DamageChoice damagedOutput(const DamageReport& report) = 0;
 };
 
 } // namespace quillon

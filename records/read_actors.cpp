@@ -4,15 +4,15 @@ namespace quillon {
 
 namespace {
 
-// A run of one repeated sub-record. The index restarts at 0 for every run and the list is cut to
-// the run's length, so a later run overwrites an earlier one: the list ends as long as the last
-// run. Returns the first tag after the run.
+// A run of one repeated sub-record. Every run is kept, in file order: a file the game writes
+// has one run per list, and a later run (which the editors can leave) is appended rather than
+// overwriting the first, so that nothing its record's Size counts is lost. Returns the first tag
+// after the run.
 template <class Entry, class ReadEntry>
 Tag readRun(ByteCursor& in, Tag runTag, std::vector<Entry>& list, ReadEntry&& readEntry) {
     Tag t = runTag;
-    for (std::size_t i = 0; t == runTag; ++i) {
-        list.resize(i + 1);
-        readEntry(list[i]);
+    while (t == runTag) {
+        readEntry(list.emplace_back());
         t = in.tag();
     }
     return t;
@@ -35,26 +35,20 @@ Tag readFollow(ByteCursor& in, FollowPackage& p) {
     return t;
 }
 
-// A run of travel destinations, each with the DNAM cell name that may follow it. Four slots; a
-// fifth destination has none and is dropped.
-Tag readDestinations(ByteCursor& in, std::array<TravelDestination, 4>& slots) {
-    Tag t = tag("DODT");
-    for (std::size_t i = 0; t == tag("DODT"); ++i) {
-        TravelDestination extra;
-        TravelDestination& d = i < slots.size() ? slots[i] : extra;
-        d.DODTSize = in.i32();
-        for (float& f : d.Position) f = in.f32();
+// A run of travel destinations, each with the DNAM cell name that may follow it.
+Tag readDestination(ByteCursor& in, TravelDestination& d) {
+    d.DODTSize = in.i32();
+    for (float& f : d.Position) f = in.f32();
+    Tag t = in.tag();
+    if (t == tag("DNAM")) {
+        zsub(in, d.DNAMSize, d.DNAM);
         t = in.tag();
-        if (t == tag("DNAM")) {
-            zsub(in, d.DNAMSize, d.DNAM);
-            t = in.tag();
-        }
     }
     return t;
 }
 
 // The sub-records NPC_ and CREA records share after their texts.
-Step readActorPart(ByteCursor& in, Tag& t, ActorLists& a) {
+Step readActorPart(ByteCursor& in, Tag& t, RecordHeader& r, ActorLists& a) {
     switch (t) {
     case tag("FLAG"):
         a.FLAGSize = in.i32();
@@ -109,8 +103,8 @@ Step readActorPart(ByteCursor& in, Tag& t, ActorLists& a) {
     }
     case tag("AI_F"): t = readFollow(in, a.Follow.emplace_back()); return Step::InHand;
     case tag("AI_E"): t = readFollow(in, a.Escort.emplace_back()); return Step::InHand;
-    case tag("DODT"): t = readDestinations(in, a.Destinations); return Step::InHand;
-    case tag("DELE"): skipDele(in); return Step::Next;
+    case tag("DODT"): t = readDestination(in, a.Destinations.emplace_back()); return Step::InHand;
+    case tag("DELE"): skipDele(in, r); return Step::Next;
     default: return Step::End;
     }
 }
@@ -137,7 +131,7 @@ Tag readNpc(ByteCursor& in, NpcRecord& r) {
             else
                 in.bytes(r.NPDT);
             return Step::Next;
-        default: return readActorPart(in, t, r);
+        default: return readActorPart(in, t, r, r);
         }
     });
 }
@@ -152,7 +146,7 @@ Tag readCrea(ByteCursor& in, CreaRecord& r) {
         case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
         case tag("NPDT"): bsub(in, r.NPDTSize, r.NPDT); return Step::Next;
         case tag("XSCL"): vsub(in, r.XSCLSize, r.XSCL); return Step::Next;
-        default: return readActorPart(in, t, r);
+        default: return readActorPart(in, t, r, r);
         }
     });
 }

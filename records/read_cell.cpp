@@ -61,7 +61,7 @@ Tag readReferenceBody(ByteCursor& in, CellReference& ref) {
             break;
         case tag("DELE"):
             ref.Deleted = 1;
-            skipDele(in);
+            in.skip(8);
             break;
         default:
             if (!isSaveGameSub(t)) return t;
@@ -120,7 +120,7 @@ Tag readCell(ByteCursor& in, CellRecord& r) {
         case tag("NAM8"): wsub(in, r.NAM8Size, r.NAM8); return Step::Next;
         case tag("DELE"):
             r.Deleted = 1;
-            skipDele(in);
+            skipDele(in, r);
             return Step::Next;
         case tag("FRMR"): {
             CellReference& ref = r.References.emplace_back();

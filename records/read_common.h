@@ -13,6 +13,7 @@ enum class Step { Next, InHand, End };
 // handed back to the driver as the next record's tag. A record's end is found by that tag,
 // never by its Size.
 template <class R, class F> Tag readRecord(ByteCursor& in, R& r, F&& sub) {
+    r.Offset = std::uint32_t(in.pos() - 4);
     r.Size = in.i32();
     r.Header1 = in.i32();
     r.Flags = in.i32();
@@ -51,8 +52,11 @@ template <std::size_t N> void bsub(ByteCursor& in, i32& size, Bytes<N>& b) {
     size = in.i32();
     in.bytes(b);
 }
-// DELE is never stored: the record's flags keep the deleted state.
-inline void skipDele(ByteCursor& in) { in.skip(8); }
+// DELE's value is never stored: the record only notes that it carried one.
+inline void skipDele(ByteCursor& in, RecordHeader& r) {
+    in.skip(8);
+    r.Dele = true;
+}
 
 // NAME, MODL, FNAM, SCRI and ITEX, shared by most object records.
 inline bool objectText(ByteCursor& in, Tag t, ObjectTexts& o) {
@@ -77,8 +81,9 @@ template <class R, class F> Tag appendTo(std::vector<R>& array, F&& read) {
 struct RecordStore;
 
 Tag readTes3(ByteCursor& in, Tes3Record& r);
-// A raw record: its data kept whole, or skipped for records of unknown type.
-Tag readRaw(ByteCursor& in, Tag t, RawRecord& r, bool keepData);
+// A raw record, its data kept where they stand in the file (for records of unknown type too, so
+// that a repair can write them).
+Tag readRaw(ByteCursor& in, Tag t, RawRecord& r);
 Tag readDial(ByteCursor& in, DialRecord& r, std::string& currentTopic);
 Tag readInfo(ByteCursor& in, InfoRecord& r, const std::string& currentTopic);
 Tag readNpc(ByteCursor& in, NpcRecord& r);

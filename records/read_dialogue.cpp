@@ -18,7 +18,7 @@ Tag readDial(ByteCursor& in, DialRecord& r, std::string& currentTopic) {
                 r.DATA = in.u8();
             return Step::Next;
         case tag("XIDX"): vsub(in, r.XIDXSize, r.XIDX); return Step::Next;
-        case tag("DELE"): skipDele(in); return Step::Next;
+        case tag("DELE"): skipDele(in, r); return Step::Next;
         default: return Step::End;
         }
     });
@@ -50,7 +50,6 @@ Tag readCondition(ByteCursor& in, InfoCondition& c) {
 
 Tag readInfo(ByteCursor& in, InfoRecord& r, const std::string& currentTopic) {
     r.Topic = currentTopic;
-    std::size_t conditions = 0;
     return readRecord(in, r, [&](Tag& t) {
         switch (t) {
         case tag("INAM"): zsub(in, r.INAMSize, r.INAM); return Step::Next;
@@ -79,16 +78,13 @@ Tag readInfo(ByteCursor& in, InfoRecord& r, const std::string& currentTopic) {
         case tag("QSTF"): vsub(in, r.QSTFSize, r.QSTF); return Step::Next;
         case tag("QSTR"): vsub(in, r.QSTRSize, r.QSTR); return Step::Next;
         case tag("BNAM"): wsub(in, r.BNAMSize, r.BNAM); return Step::Next;
-        case tag("SCVR"): {
-            // Six slots; a seventh condition has none and is dropped.
-            InfoCondition extra;
-            InfoCondition& c = conditions < r.Conditions.size() ? r.Conditions[conditions] : extra;
-            t = readCondition(in, c);
-            ++conditions;
+        case tag("SCVR"):
+            // A condition beyond the game's six is kept all the same: dropping it would leave
+            // the record's Size counting bytes that are no longer written.
+            t = readCondition(in, r.Conditions.emplace_back());
             return Step::InHand;
-        }
         case tag("ACDT"): zsub(in, r.ACDTSize, r.ACDT); return Step::Next;
-        case tag("DELE"): skipDele(in); return Step::Next;
+        case tag("DELE"): skipDele(in, r); return Step::Next;
         default: return Step::End;
         }
     });

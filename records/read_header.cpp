@@ -37,21 +37,19 @@ Tag readTes3(ByteCursor& in, Tes3Record& r) {
             r.SCRS = in.text(65536);
             r.SCRS.resize(65536, '\0');
             return Step::Next;
-        case tag("DELE"): skipDele(in); return Step::Next;
+        case tag("DELE"): skipDele(in, r); return Step::Next;
         default: return Step::End;
         }
     });
 }
 
-Tag readRaw(ByteCursor& in, Tag t, RawRecord& r, bool keepData) {
+Tag readRaw(ByteCursor& in, Tag t, RawRecord& r) {
+    r.Offset = std::uint32_t(in.pos() - 4);
     r.Tag = tagText(t);
     r.Size = in.i32();
     r.Header1 = in.i32();
     r.Flags = in.i32();
-    if (keepData)
-        r.Data = in.view(r.Size);
-    else
-        in.skip(r.Size);
+    r.Data = in.view(r.Size);
     return in.tag();
 }
 

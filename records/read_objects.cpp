@@ -7,8 +7,8 @@ namespace quillon {
 
 namespace {
 
-Step dele(ByteCursor& in) {
-    skipDele(in);
+Step dele(ByteCursor& in, RecordHeader& r) {
+    skipDele(in, r);
     return Step::Next;
 }
 
@@ -19,7 +19,7 @@ Tag readGmst(ByteCursor& in, GmstRecord& r) {
         case tag("INTV"): vsub(in, r.INTVSize, r.INTV); return Step::Next;
         case tag("FLTV"): vsub(in, r.FLTVSize, r.FLTV); return Step::Next;
         case tag("NAME"): wsub(in, r.NAMESize, r.NAME); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -48,7 +48,7 @@ Tag readGlob(ByteCursor& in, GlobRecord& r) {
             vsub(in, r.FLTVSize, r.FLTV);
             r.FLTV = globalValue(r, r.FLTV);
             return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -61,7 +61,7 @@ Tag readClas(ByteCursor& in, ClasRecord& r) {
         case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
         case tag("CLDT"): bsub(in, r.CLDTSize, r.CLDT); return Step::Next;
         case tag("DESC"): wsub(in, r.DESCSize, r.DESC); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -89,7 +89,7 @@ Tag readFact(ByteCursor& in, FactRecord& r) {
             vsub(in, reaction.INTVSize, reaction.INTV);
             return Step::Next;
         }
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -109,7 +109,7 @@ Tag readRace(ByteCursor& in, RaceRecord& r) {
         case tag("RADT"): bsub(in, r.RADTSize, r.RADT); return Step::Next;
         case tag("DESC"): wsub(in, r.DESCSize, r.DESC); return Step::Next;
         case tag("NPCS"): readSpell(in, r.Powers); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -121,7 +121,7 @@ Tag readSoun(ByteCursor& in, SounRecord& r) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
         case tag("DATA"): bsub(in, r.DATASize, r.DATA); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -133,7 +133,7 @@ Tag readSkil(ByteCursor& in, SkilRecord& r) {
         case tag("INDX"): vsub(in, r.INDXSize, r.INDX); return Step::Next;
         case tag("SKDT"): bsub(in, r.SKDTSize, r.SKDT); return Step::Next;
         case tag("DESC"): wsub(in, r.DESCSize, r.DESC); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -155,7 +155,7 @@ Tag readMgef(ByteCursor& in, MgefRecord& r) {
         case tag("CVFX"): zsub(in, r.CVFXSize, r.CVFX); return Step::Next;
         case tag("HVFX"): zsub(in, r.HVFXSize, r.HVFX); return Step::Next;
         case tag("AVFX"): zsub(in, r.AVFXSize, r.AVFX); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -203,6 +203,7 @@ Tag readScpt(ByteCursor& in, ScptRecord& r) {
         case tag("SLSD"): wsub(in, r.SLSDSize, r.SLSD); return Step::Next;
         case tag("SLCS"): wsub(in, r.SLCSSize, r.SLCS); return Step::Next;
         case tag("SLFD"): wsub(in, r.SLFDSize, r.SLFD); return Step::Next;
+        case tag("DELE"): return dele(in, r); // as OpenMW-CS deletes a script
         default: return Step::End;
         }
     });
@@ -224,7 +225,7 @@ Tag readRegn(ByteCursor& in, RegnRecord& r) {
             return Step::Next;
         }
         case tag("WNAM"): wsub(in, r.WNAMSize, r.WNAM); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -238,7 +239,7 @@ Tag readBsgn(ByteCursor& in, BsgnRecord& r) {
         case tag("TNAM"): zsub(in, r.TNAMSize, r.TNAM); return Step::Next;
         case tag("DESC"): wsub(in, r.DESCSize, r.DESC); return Step::Next;
         case tag("NPCS"): readSpell(in, r.Spells); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -250,7 +251,7 @@ Tag readLtex(ByteCursor& in, LtexRecord& r) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("INTV"): vsub(in, r.INTVSize, r.INTV); return Step::Next;
         case tag("DATA"): zsub(in, r.DATASize, r.DATA); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -261,7 +262,7 @@ Tag readStat(ByteCursor& in, StatRecord& r) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("MODL"): zsub(in, r.MODLSize, r.MODL); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -272,7 +273,7 @@ Tag readSscr(ByteCursor& in, SscrRecord& r) {
         switch (t) {
         case tag("NAME"): wsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("DATA"): wsub(in, r.DATASize, r.DATA); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -287,7 +288,7 @@ Tag readDoor(ByteCursor& in, DoorRecord& r) {
         case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
         case tag("SNAM"): zsub(in, r.SNAMSize, r.SNAM); return Step::Next;
         case tag("ANAM"): zsub(in, r.ANAMSize, r.ANAM); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -302,7 +303,7 @@ Tag readItem(ByteCursor& in, R& r, Tag dataTag, i32& dataSize, Bytes<N>& data, M
             bsub(in, dataSize, data);
             return Step::Next;
         }
-        if (t == tag("DELE")) return dele(in);
+        if (t == tag("DELE")) return dele(in, r);
         return more(t);
     });
 }
@@ -325,42 +326,38 @@ Tag readCont(ByteCursor& in, ContRecord& r) {
             in.bytes(e.Item);
             return Step::Next;
         }
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
 }
 
-// Effects fill eight slots in file order; a ninth has none and is dropped.
-void readEffect(ByteCursor& in, EffectSlots& slots, std::size_t& used) {
-    Effect extra;
-    Effect& e = used < slots.size() ? slots[used] : extra;
+// Effects in file order, a ninth and later kept as well.
+void readEffect(ByteCursor& in, EffectSlots& effects) {
+    Effect& e = effects.emplace_back();
     bsub(in, e.ENAMSize, e.ENAM);
-    ++used;
 }
 
 Tag readSpel(ByteCursor& in, SpelRecord& r) {
-    std::size_t effects = 0;
     return readRecord(in, r, [&](Tag& t) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
         case tag("SPDT"): bsub(in, r.SPDTSize, r.SPDT); return Step::Next;
-        case tag("ENAM"): readEffect(in, r.Effects, effects); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("ENAM"): readEffect(in, r.Effects); return Step::Next;
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
 }
 
 Tag readEnch(ByteCursor& in, EnchRecord& r) {
-    std::size_t effects = 0;
     return readRecord(in, r, [&](Tag& t) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
         case tag("ENDT"): bsub(in, r.ENDTSize, r.ENDT); return Step::Next;
-        case tag("ENAM"): readEffect(in, r.Effects, effects); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("ENAM"): readEffect(in, r.Effects); return Step::Next;
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -373,31 +370,30 @@ Tag readBody(ByteCursor& in, BodyRecord& r) {
         case tag("MODL"): zsub(in, r.MODLSize, r.MODL); return Step::Next;
         case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
         case tag("BYDT"): bsub(in, r.BYDTSize, r.BYDT); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
 }
 
-// ARMO and CLOT body parts: each INDX opens the next of seven slots; a CNAM, then a BNAM, then a
-// CNAM may follow it. BNAM and CNAM are taken whole. An eighth INDX has no slot and is dropped.
+// ARMO and CLOT body parts: each INDX opens a new group, an eighth and later ones included; a
+// CNAM, then a BNAM, then a CNAM may follow it. BNAM and CNAM are taken whole; one met before any
+// INDX has no group and is passed over.
 struct BodyParts {
-    BodyPartSlots& slots;
-    std::size_t used = 0;
-    BodyPartSlot extra;
+    BodyPartSlots& groups;
+    BodyPartSlot unplaced;
 
-    BodyPartSlot& current() { return used > 0 && used <= slots.size() ? slots[used - 1] : extra; }
+    BodyPartSlot& current() { return groups.empty() ? unplaced : groups.back(); }
 
     Step read(ByteCursor& in, Tag& t) {
         switch (t) {
         case tag("INDX"): {
-            ++used;
-            BodyPartSlot& slot = current();
-            vsub(in, slot.INDXSize, slot.INDX);
+            BodyPartSlot& group = groups.emplace_back();
+            vsub(in, group.INDXSize, group.INDX);
             t = in.tag();
             for (Tag optional : {tag("CNAM"), tag("BNAM"), tag("CNAM")}) {
                 if (t != optional) continue;
-                readName(in, t, slot);
+                readName(in, t, group);
                 t = in.tag();
             }
             return Step::InHand;
@@ -407,11 +403,11 @@ struct BodyParts {
         default: return Step::End;
         }
     }
-    static void readName(ByteCursor& in, Tag t, BodyPartSlot& slot) {
+    static void readName(ByteCursor& in, Tag t, BodyPartSlot& group) {
         if (t == tag("BNAM"))
-            wsub(in, slot.BNAMSize, slot.BNAM);
+            wsub(in, group.BNAMSize, group.BNAM);
         else
-            wsub(in, slot.CNAMSize, slot.CNAM);
+            wsub(in, group.CNAMSize, group.CNAM);
     }
 };
 
@@ -422,7 +418,7 @@ template <class R> Step readEnchantment(ByteCursor& in, Tag t, R& r) {
 }
 
 Tag readArmo(ByteCursor& in, ArmoRecord& r) {
-    BodyParts parts{r.Parts, 0, {}};
+    BodyParts parts{r.Parts, {}};
     return readItem(in, r, tag("AODT"), r.AODTSize, r.AODT, [&](Tag& t) {
         Step s = readEnchantment(in, t, r);
         return s != Step::End ? s : parts.read(in, t);
@@ -430,7 +426,7 @@ Tag readArmo(ByteCursor& in, ArmoRecord& r) {
 }
 
 Tag readClot(ByteCursor& in, ClotRecord& r) {
-    BodyParts parts{r.Parts, 0, {}};
+    BodyParts parts{r.Parts, {}};
     return readItem(in, r, tag("CTDT"), r.CTDTSize, r.CTDT, [&](Tag& t) {
         Step s = readEnchantment(in, t, r);
         return s != Step::End ? s : parts.read(in, t);
@@ -444,7 +440,7 @@ Tag readActi(ByteCursor& in, ActiRecord& r) {
         case tag("MODL"): zsub(in, r.MODLSize, r.MODL); return Step::Next;
         case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
         case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -464,14 +460,13 @@ Tag readBook(ByteCursor& in, BookRecord& r) {
             r.Skill = in.i32();
             r.EnchantPoints = in.i32();
             return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
 }
 
 Tag readAlch(ByteCursor& in, AlchRecord& r) {
-    std::size_t effects = 0;
     return readRecord(in, r, [&](Tag& t) {
         switch (t) {
         case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
@@ -480,8 +475,8 @@ Tag readAlch(ByteCursor& in, AlchRecord& r) {
         case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
         case tag("TEXT"): zsub(in, r.TEXTSize, r.TEXT); return Step::Next;
         case tag("ALDT"): bsub(in, r.ALDTSize, r.ALDT); return Step::Next;
-        case tag("ENAM"): readEffect(in, r.Effects, effects); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("ENAM"): readEffect(in, r.Effects); return Step::Next;
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -505,7 +500,7 @@ Tag readLeveled(ByteCursor& in, LeviRecord& r, Tag entryTag) {
         case tag("DATA"): vsub(in, r.DATASize, r.DATA); return Step::Next;
         case tag("NNAM"): vsub(in, r.NNAMSize, r.NNAM); return Step::Next;
         case tag("INDX"): vsub(in, r.INDXSize, r.INDX); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -518,7 +513,7 @@ Tag readSndg(ByteCursor& in, SndgRecord& r) {
         case tag("DATA"): vsub(in, r.DATASize, r.DATA); return Step::Next;
         case tag("CNAM"): zsub(in, r.CNAMSize, r.CNAM); return Step::Next;
         case tag("SNAM"): zsub(in, r.SNAMSize, r.SNAM); return Step::Next;
-        case tag("DELE"): return dele(in);
+        case tag("DELE"): return dele(in, r);
         default: return Step::End;
         }
     });
@@ -531,6 +526,7 @@ Tag readPgrd(ByteCursor& in, PgrdRecord& r) {
         case tag("DATA"): bsub(in, r.DATASize, r.DATA); return Step::Next;
         case tag("PGRP"): viewsub(in, r.PGRPSize, r.PGRP); return Step::Next;
         case tag("PGRC"): viewsub(in, r.PGRCSize, r.PGRC); return Step::Next;
+        case tag("DELE"): return dele(in, r); // as OpenMW-CS deletes a path grid
         default: return Step::End;
         }
     });

@@ -8,6 +8,7 @@ void ClearRecords(RecordStore& store) {
         array.shrink_to_fit();
     });
     store.CurrentTopic.clear();
+    store.editNotes.clear();
     store.source.reset();
 }
 

@@ -3,9 +3,14 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace quillon {
+
+// Why records were edited in ways that leave their sizes behind, by record address: the write
+// check names the cause when such a record would be written damaged.
+using EditNotes = std::unordered_map<const void*, std::string>;
 
 // The whole data file in memory: one array per record type, each holding exactly the records of
 // that type in file order. A type the file lacks is an empty array.
@@ -63,6 +68,7 @@ struct RecordStore {
     std::string CurrentTopic;
     // The user answered the unknown-record question with "Yes To All".
     bool SkipUnknownPrompt = false;
+    EditNotes editNotes;
 
     // Calls f(array) for each of the 56 arrays in the store's fixed order, the unknown records last.
     template <class F> void forEachArray(F&& f);

@@ -60,6 +60,12 @@ public:
     void editOptions(CleanupSettings&) override {}
     void about() override {}
     void refreshLog() override { ++refreshes; }
+    std::deque<DamageChoice> damageChoices;
+    std::vector<DamageReport> damageReports;
+    DamageChoice damagedOutput(const DamageReport& report) override {
+        damageReports.push_back(report);
+        return pop(damageChoices, DamageChoice::WriteNothing);
+    }
 
 private:
     template <class T> static T pop(std::deque<T>& queue, T fallback) {
@@ -74,7 +80,13 @@ class ScriptedPrompts : public Prompts {
 public:
     std::deque<Reply> replies;
     std::vector<std::string> asked, told;
+    std::vector<DamageReport> damageReports;
+    DamageChoice damageChoice = DamageChoice::WriteNothing;
     void tell(const std::string& text) override { told.push_back(text); }
+    DamageChoice damagedOutput(const DamageReport& report) override {
+        damageReports.push_back(report);
+        return damageChoice;
+    }
     Reply ask(const std::string& text, bool) override {
         asked.push_back(text);
         if (replies.empty()) return Reply::Yes;

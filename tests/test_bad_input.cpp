@@ -23,7 +23,7 @@ std::string lastLog(const Session& s) {
 
 std::string plugin() {
     return file(2, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
-                    Rec("INFO").z("INAM", "1").z("ONAM", "a").text("NAME", "Hello").bytes()});
+                    Rec("INFO").z("INAM", "1").sub("DATA", std::string(12, '\0')).z("ONAM", "a").text("NAME", "Hello").bytes()});
 }
 
 } // namespace

@@ -83,8 +83,10 @@ TEST(ReadDialogue, InfoFieldsAndConditions) {
     EXPECT_EQ(i.Conditions[1].INTVSize, 0);
     EXPECT_EQ(i.Conditions[2].INTVSize, 0); // no value followed it
     EXPECT_EQ(i.Conditions[2].FLTVSize, 0);
-    EXPECT_EQ(i.Conditions[5].INTV, '5'); // the seventh condition has no slot
-    EXPECT_EQ(i.Flags, 0x20);             // DELE leaves only the flags
+    ASSERT_EQ(i.Conditions.size(), 7u); // a seventh condition is kept, not dropped
+    EXPECT_EQ(i.Conditions[6].INTV, '6');
+    EXPECT_EQ(i.Flags, 0x20); // DELE leaves the flags as they were and marks the record
+    EXPECT_TRUE(i.Dele);
     EXPECT_TRUE(r->prompts.asked.empty());
 }
 
@@ -114,8 +116,8 @@ TEST(ReadActors, RunsListsAndStatisticForms) {
     EXPECT_EQ(n.NPDT[0], 0);
     EXPECT_EQ(n.FLAG[0], 0x01);
     EXPECT_EQ(n.FLAG[1], 0x56);
-    ASSERT_EQ(n.Inventory.size(), 1u); // the second run of NPCO overwrote the first
-    EXPECT_EQ(fixedText(n.Inventory[0].Item), "c");
+    ASSERT_EQ(n.Inventory.size(), 3u); // the second run of NPCO is kept after the first
+    EXPECT_EQ(fixedText(n.Inventory[2].Item), "c");
     EXPECT_EQ(n.Spells.size(), 1u);
     ASSERT_EQ(n.Wander.size(), 2u); // package lists count across runs
     EXPECT_EQ(n.Wander[1].Reset, 2);
@@ -184,13 +186,14 @@ TEST(ReadObjects, TextsSlotsAndBodyParts) {
                            armo.bytes(), Rec("FACT").z("NAME", "f").sub("RNAM", fixed("Rank", 32)).raw(
                                "ANAM" + le32(3) + std::string("ab\0", 3) + "XXXX" + le32(4) + le32(-5)).bytes()}));
     EXPECT_EQ(r->store.BOOK[0].TEXT, std::string("words\0", 6));
-    EXPECT_EQ(r->store.SPEL[0].Effects[7].ENAM[0], '7'); // the ninth effect has no slot
+    ASSERT_EQ(r->store.SPEL[0].Effects.size(), 9u); // a ninth effect is kept
+    EXPECT_EQ(r->store.SPEL[0].Effects[8].ENAM[0], '8');
     const ArmoRecord& a = r->store.ARMO[0];
     EXPECT_EQ(a.Parts[0].BNAM, "male");
     EXPECT_EQ(a.Parts[0].CNAM, "female");
     EXPECT_EQ(a.Parts[1].BNAM, "b");
     EXPECT_EQ(a.Parts[1].CNAM, "c-last");
-    EXPECT_EQ(a.Parts[2].INDXSize, 0);
+    EXPECT_EQ(a.Parts.size(), 2u);
     const FactRecord& f = r->store.FACT[0];
     EXPECT_EQ(fixedText(f.Ranks[0].RNAM), "Rank");
     ASSERT_EQ(f.Reactions.size(), 1u); // the tag after ANAM is passed over untested
@@ -237,7 +240,7 @@ TEST(ReadDriver, UnknownRecordQuestion) {
                                         "Yes To All.\r\nRecord Name: \"ZZZZ\"");
     ASSERT_EQ(cancel->store.Unknown.size(), 2u);
     EXPECT_EQ(cancel->store.Unknown[0].Size, 12);
-    EXPECT_TRUE(cancel->store.Unknown[0].Data.empty()); // unknown data are skipped
+    EXPECT_EQ(cancel->store.Unknown[0].Data.size(), 12u); // kept for a repair, never written as they are
     EXPECT_EQ(cancel->store.STAT.size(), 1u);
     EXPECT_FALSE(cancel->store.SkipUnknownPrompt); // lives for one read only
     EXPECT_EQ(cancel->count, 4);

@@ -123,7 +123,7 @@ TEST(Save, FullDiskKeepsTheOldFileAndSaysSo) {
     ScriptedDialogs d;
     TempDir dir;
     openPath(s, d, dir.write("f.esp", plugin(1, 1)));
-    s.currentPath = "/dev/full/x.esp";
+    s.currentPath = s.recordsPath = "/dev/full/x.esp";
     EXPECT_FALSE(Save(s, d));
     EXPECT_EQ(logLines(s).back(), "-An error occured. Nothing has been written.");
     EXPECT_NE(d.messages.back().find("could not be written"), std::string::npos);

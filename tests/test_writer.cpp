@@ -94,6 +94,7 @@ TEST(WriteDialogue, OptionalSubRecordsAndConditions) {
     r.ONAMSize = -1, r.ONAM = "o"; // the others are written for any non-zero size
     r.DATASize = 12;
     r.ACDTSize = 4, r.ACDT = "abc";
+    r.Conditions.resize(3);
     r.Conditions[0] = {5, '0', '1', {'5', '0'}, '0', "", 4, 7, 4, 1.0f};
     r.Conditions[2] = {9, '2', '2', {'s', 'X'}, '0', "glob", 0, 0, 4, 2.0f};
     std::string bytes = written([&](ByteSink& s) { WriteInfoRecord(s, r); });

@@ -29,6 +29,8 @@ public:
         return {2, text, result};
     }
     void editOptions(CleanupSettings&) override {}
+    // A batch run never writes damaged output.
+    DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
     void about() override {}
     void refreshLog() override {}
 };

@@ -1,5 +1,6 @@
 #include "ui/qt_dialogs.h"
 
+#include "app/damage_report.h"
 #include "cleanup/frm_options.h"
 #include "dialogue/frm_info.h"
 #include "dialogue/frm_info2.h"
@@ -9,6 +10,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace quillon {
 
@@ -55,8 +57,14 @@ Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, c
     case Buttons::Ok: box.setStandardButtons(QMessageBox::Ok); break;
     case Buttons::YesNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
     case Buttons::YesNoCancel: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel); break;
+    case Buttons::YesNoDefaultNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
     }
-    if (buttons != Buttons::Ok) box.setDefaultButton(QMessageBox::Yes);
+    if (buttons == Buttons::YesNoDefaultNo) {
+        box.setDefaultButton(QMessageBox::No);
+        box.setEscapeButton(QMessageBox::No);
+    } else if (buttons != Buttons::Ok) {
+        box.setDefaultButton(QMessageBox::Yes);
+    }
     switch (box.exec()) {
     case QMessageBox::Yes: return Answer::Yes;
     case QMessageBox::No: return Answer::No;
@@ -113,6 +121,23 @@ LoopFix QtDialogs::fixLoop(const std::string& actor, const std::string& topic, c
 void QtDialogs::editOptions(CleanupSettings& settings) {
     FrmOptions form(settings);
     form.exec();
+}
+
+DamageChoice QtDialogs::damagedOutput(const DamageReport& report) {
+    QMessageBox box(owner_);
+    box.setWindowTitle(titleOf(""));
+    box.setIcon(QMessageBox::Warning);
+    box.setText(shown(damageQuestion(report)));
+    QPushButton* repair = report.repairable ? box.addButton(QStringLiteral("&Repair"), QMessageBox::AcceptRole) : nullptr;
+    QPushButton* asIs = box.addButton(QStringLiteral("Write &As Is"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = box.addButton(QMessageBox::Cancel);
+    // Enter and Escape both write nothing.
+    box.setDefaultButton(cancel);
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (repair && box.clickedButton() == repair) return DamageChoice::Repair;
+    if (box.clickedButton() == asIs) return DamageChoice::WriteAsIs;
+    return DamageChoice::WriteNothing;
 }
 
 void QtDialogs::about() {

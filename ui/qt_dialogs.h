@@ -26,6 +26,7 @@ public:
     LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings& settings) override;
+    DamageChoice damagedOutput(const DamageReport& report) override;
     void about() override;
     void refreshLog() override { repaintLog_(); }
 

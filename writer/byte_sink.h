@@ -1,18 +1,40 @@
 #pragma once
 #include "records/es_types.h"
+#include "records/prompts.h"
+#include "records/record_store.h"
 #include "records/tags.h"
 
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillon {
 
+// A count with thousands separated by commas ("4,096").
+std::string groupedNumber(std::int64_t n);
+
 // Serialises records into memory, little-endian, exactly as stored: sizes are written as the
-// records hold them, never recomputed.
+// records hold them, never recomputed. It also frames every record as it is written, as the game
+// will read it: a record whose bytes disagree with its Size, or a sub-record whose data disagree
+// with its size word, is noted as damaged; when repairing, their size words are set to what was
+// written instead.
 class ByteSink {
 public:
+    ByteSink() = default;
+    explicit ByteSink(bool repairing, const EditNotes* notes = nullptr) : repairing_(repairing), notes_(notes) {}
+
     std::string& bytes() { return out_; }
+    // True when damaged records are written so that they frame.
+    bool repairing() const { return repairing_; }
+    // Ends the last record; call once everything is written.
+    void finish() { closeRecord(); }
+    // The records that would be written damaged, in file order.
+    const std::vector<DamagedRecord>& damaged() const { return damaged_; }
+    // Why the record being written will not frame, when the writer knows better than its sizes.
+    void explain(std::string cause) { cause_ = std::move(cause); }
+    // The record's ID when its written bytes do not show it.
+    void identify(std::string id) { id_ = std::move(id); }
 
     void raw(const void* p, std::size_t n) { out_.append(static_cast<const char*>(p), n); }
     template <class T> void value(T v) { raw(&v, sizeof v); }
@@ -23,15 +45,19 @@ public:
     template <std::size_t N> void bytes(const std::array<std::uint8_t, N>& b) { raw(b.data(), N); }
     template <std::size_t N> void bytes(const std::array<char, N>& b) { raw(b.data(), N); }
 
-    // The record tag and the three stored header words.
+    // The record tag and the three stored header words; the previous record ends here.
     void header(Tag t, const RecordHeader& r) {
+        closeRecord();
+        open_ = Open{out_.size(), t, r.Size, r.Offset, &r};
+        isOpen_ = true;
         tag(t);
         int32(r.Size);
         int32(r.Header1);
         int32(r.Flags);
     }
-    // A sub-record's tag and stored size word.
+    // A sub-record's tag and stored size word; its data run to the next sub-record.
     void sub(Tag t, std::int32_t size) {
+        subs_.push_back(out_.size());
         tag(t);
         int32(size);
     }
@@ -70,7 +96,25 @@ public:
     }
 
 private:
+    struct Open {
+        std::size_t start = 0;
+        Tag tag = 0;
+        std::int32_t size = 0;
+        std::uint32_t offset = 0;
+        const RecordHeader* record = nullptr;
+    };
+    void closeRecord();
+    std::string damageCause(std::size_t length, std::size_t badSub) const;
+    std::string writtenId() const;
+
     std::string out_;
+    bool repairing_ = false;
+    const EditNotes* notes_ = nullptr;
+    Open open_;
+    bool isOpen_ = false;
+    std::vector<std::size_t> subs_; // where each sub-record of the open record starts
+    std::string cause_, id_;
+    std::vector<DamagedRecord> damaged_;
 };
 
 } // namespace quillon

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <cstring>
+#include <filesystem>
 
 namespace quillon {
 
@@ -44,8 +46,9 @@ std::int32_t fileTypeFor(const std::string& path) {
     return 0;
 }
 
-std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts) {
-    ByteSink out;
+Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts,
+                            bool repairing) {
+    ByteSink out(repairing, &store.editNotes);
     out.bytes().reserve(estimatedSize(store));
     std::int32_t written = 0;
     const RecordStore& s = store;
@@ -63,9 +66,26 @@ std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::in
         WriteDialRecord(out, r, s.INFO, index, written);
     });
     for (const auto* raw : {&s.CNTC, &s.CREC, &s.FMAP, &s.GAME, &s.JOUR, &s.KLST, &s.NPCC, &s.PCDT, &s.QUES,
-                            &s.REFR, &s.SPLM, &s.STLN, &s.Unknown})
+                            &s.REFR, &s.SPLM, &s.STLN})
         writeAll(*raw, written, [&](auto& r) { WriteRawRecord(out, r); });
-    return std::move(out.bytes());
+    writeAll(s.Unknown, written, [&](auto& r) { WriteUnknownRecord(out, r); });
+    out.finish();
+    return {std::move(out.bytes()), out.damaged()};
+}
+
+std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts) {
+    return serialiseChecked(store, recordCount, fileType, prompts, false).bytes;
+}
+
+bool framesThroughout(std::string_view bytes) {
+    std::size_t p = 0;
+    while (bytes.size() - p >= 16) {
+        std::int32_t size;
+        std::memcpy(&size, bytes.data() + p + 4, 4);
+        if (size < 0 || std::size_t(size) > bytes.size() - p - 16) return false;
+        p += 16 + std::size_t(size);
+    }
+    return p == bytes.size();
 }
 
 WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount, Prompts& prompts) {
@@ -77,8 +97,19 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
                     false) != Reply::Yes)
         return {WriteResult::Declined, 0, {}};
     Clock::time_point start = Clock::now();
-    std::string bytes = serialiseStore(store, recordCount, fileType, prompts);
-    std::string error = replaceFileSafely(path, bytes);
+    Serialised out = serialiseChecked(store, recordCount, fileType, prompts, false);
+    if (!out.damaged.empty()) {
+        Serialised repaired = serialiseChecked(store, recordCount, fileType, prompts, true);
+        DamageReport report{std::filesystem::path(path).filename().string(), std::move(out.damaged),
+                            repaired.damaged.empty() && framesThroughout(repaired.bytes)};
+        Clock::time_point asked = Clock::now();
+        DamageChoice choice = prompts.damagedOutput(report);
+        start += Clock::now() - asked; // the time spent on the question is not the writer's
+        if (choice == DamageChoice::WriteNothing || (choice == DamageChoice::Repair && !report.repairable))
+            return {WriteResult::Refused, 0, {}};
+        if (choice == DamageChoice::Repair) out.bytes = std::move(repaired.bytes);
+    }
+    std::string error = replaceFileSafely(path, out.bytes);
     double ms = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     if (!error.empty()) return {WriteResult::Failed, ms, error};
     return {WriteResult::Written, ms, {}};

@@ -22,8 +22,9 @@ bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
             out.int32(more.CNDT[1]);
         } else if (more.MovedCellSize >= 1) {
             out.u(tag("CNAM"), more.MovedCellSize, more.MovedCell);
-        } else {
+        } else if (!out.repairing()) {
             prompts.tell("Error while writing moved reference.");
+            out.explain("cut short at a moved reference that names no cell (neither CNDT nor CNAM)");
             return false;
         }
     }
@@ -49,8 +50,9 @@ bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
     if (ref.Disabled) out.v(tag("ZNAM"), 1, std::uint8_t(0)); // its value byte was not kept
     for (const std::string& entry : more.SaveData) {
         if (entry.size() < 4) continue;
-        out.raw(entry.data(), 4);
-        out.int32(std::int32_t(entry.size() - 4));
+        Tag t;
+        std::memcpy(&t, entry.data(), 4);
+        out.sub(t, std::int32_t(entry.size() - 4));
         out.raw(entry.data() + 4, entry.size() - 4);
     }
     if (ref.DATASize != 0) writePlacement(out, tag("DATA"), ref.DATASize, ref.DATA);
@@ -80,8 +82,8 @@ void WriteCellRecord(ByteSink& out, const CellRecord& r, Prompts& prompts) {
     }
     out.uOpt(tag("NAM8"), r.NAM8Size, r.NAM8);
     if (r.MPCD[0] != 0) {
-        out.tag(tag("MPCD"));
-        for (std::int32_t v : r.MPCD) out.int32(v);
+        out.sub(tag("MPCD"), r.MPCD[0]);
+        for (std::size_t i = 1; i < r.MPCD.size(); ++i) out.int32(r.MPCD[i]);
     }
     if (r.WHGTSize != 0) out.v(tag("WHGT"), r.WHGTSize, r.WHGT);
     if (r.AMBISize != 0) {

@@ -15,6 +15,8 @@ TopicIndex indexResponses(const std::vector<InfoRecord>& infos);
 
 void WriteTes3Record(ByteSink& out, const Tes3Record& r, std::int32_t recordCount, std::int32_t fileType);
 void WriteRawRecord(ByteSink& out, const RawRecord& r);
+// A record of unknown type: its header alone, or with its data when repairing.
+void WriteUnknownRecord(ByteSink& out, const RawRecord& r);
 // Writes the topic and every response whose Topic equals its NAME; counts the responses written.
 void WriteDialRecord(ByteSink& out, const DialRecord& r, const std::vector<InfoRecord>& infos,
                      const TopicIndex& index, std::int32_t& writtenCount);

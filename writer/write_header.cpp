@@ -1,5 +1,8 @@
 #include "writer/write_common.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace quillon {
 
 void WriteTes3Record(ByteSink& out, const Tes3Record& r, std::int32_t recordCount, std::int32_t fileType) {
@@ -32,14 +35,43 @@ void WriteTes3Record(ByteSink& out, const Tes3Record& r, std::int32_t recordCoun
     if (r.SCRSSize != 0) out.u(tag("SCRS"), r.SCRSSize, r.SCRS);
 }
 
+namespace {
+
+Tag rawTag(const RawRecord& r) {
+    Tag t = 0;
+    std::memcpy(&t, r.Tag.data(), std::min<std::size_t>(4, r.Tag.size()));
+    return t;
+}
+
+// The ID a record of unknown type shows when its data open with a NAME, as most records' do.
+std::string unknownRecordId(std::string_view data) {
+    if (data.size() < 8 || data.substr(0, 4) != "NAME") return {};
+    std::int32_t size;
+    std::memcpy(&size, data.data() + 4, 4);
+    std::string_view name = data.substr(8, size > 0 ? std::size_t(size) : 0);
+    return std::string(name.substr(0, name.find('\0')));
+}
+
+} // namespace
+
 void WriteRawRecord(ByteSink& out, const RawRecord& r) {
-    // Records of unknown type kept no data: they come out as a bare header while Size still
-    // counts the data, as the reader left them.
-    out.raw(r.Tag.data(), r.Tag.size() < 4 ? r.Tag.size() : 4);
-    out.int32(r.Size);
-    out.int32(r.Header1);
-    out.int32(r.Flags);
+    out.header(rawTag(r), r);
     out.raw(r.Data.data(), r.Data.size());
+}
+
+void WriteUnknownRecord(ByteSink& out, const RawRecord& r) {
+    out.header(rawTag(r), r);
+    if (out.repairing()) {
+        out.raw(r.Data.data(), r.Data.size());
+        return;
+    }
+    // The format's rule: a bare header while Size still counts the data, which damages the file;
+    // the write check names it.
+    if (r.Size > 0) {
+        out.explain("record of unknown type " + r.Tag + ": its " + groupedNumber(r.Size) +
+                    " bytes of data are not kept");
+        out.identify(unknownRecordId(r.Data));
+    }
 }
 
 } // namespace quillon

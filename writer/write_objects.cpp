@@ -356,6 +356,12 @@ void WriteScptRecord(ByteSink& out, const ScptRecord& r, bool alwaysWriteText) {
     out.sub(tag("SCHD"), r.SCHDSize);
     out.bytes(r.ScriptName);
     for (std::int32_t v : {r.NumShorts, r.NumLongs, r.NumFloats, r.ScriptDataSize, r.LocalVarSize}) out.int32(v);
+    // Only a script that carried DELE has a deleted form, the one OpenMW-CS writes; the flags
+    // alone never delete a script.
+    if (r.Dele) {
+        out.dele();
+        return;
+    }
     if (r.SCVRSize != 0) {
         out.sub(tag("SCVR"), r.SCVRSize);
         for (const auto* names : {&r.ShortNames, &r.LongNames, &r.FloatNames}) {
@@ -414,11 +420,16 @@ void WriteObjectsBeforeActors(ByteSink& out, const RecordStore& s, bool alwaysWr
 }
 
 void WritePgrdRecords(ByteSink& out, const RecordStore& s, std::int32_t& n) {
-    // Path grids have no deleted form: a deleted one is written like any other.
+    // Path grids deleted by their flags are written like any other; one that carried DELE gets
+    // the deleted form OpenMW-CS writes.
     writeAll(s.PGRD, n, [&](const PgrdRecord& r) {
         out.header(tag("PGRD"), r);
         out.block(tag("DATA"), r.DATASize, r.DATA);
         out.z(tag("NAME"), r.NAMESize, r.NAME);
+        if (r.Dele) {
+            out.dele();
+            return;
+        }
         out.uOpt(tag("PGRP"), r.PGRPSize, r.PGRP);
         out.uOpt(tag("PGRC"), r.PGRCSize, r.PGRC);
     });
