@@ -137,7 +137,8 @@ bool Save(Session& session, Dialogs& dialogs) {
     const char* failure = "-An error occured. Nothing has been written.";
     // After a refused Open the current file is not the one the records came from: replacing it
     // would destroy a file that was never read.
-    if (!session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath) &&
+    bool foreignTarget = !session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath);
+    if (foreignTarget &&
         dialogs.message("The records open here were read from \"" + bareName(session.recordsPath) +
                             "\". Save would replace \"" + name + "\" with them.",
                         Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
@@ -146,7 +147,7 @@ bool Save(Session& session, Dialogs& dialogs) {
     }
     // Another program changed the file since it was read: overwriting would lose that work.
     std::string now = stampOf(session.currentPath);
-    if (!session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
+    if (!foreignTarget && !session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
         dialogs.message("\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
                         "records open here?",
                         Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {

@@ -2,6 +2,7 @@
 // Shared test helpers: dialogs that answer from a script and record what they were asked, and
 // temporary folders.
 #include "app/dialogs.h"
+#include "app/session.h"
 #include "records/prompts.h"
 #include "tools/record_builder.h"
 
@@ -95,6 +96,13 @@ public:
         return r;
     }
 };
+
+// The newest line of the session's log.
+inline std::string lastLog(const Session& s) {
+    std::string c = s.log.caption();
+    c.resize(c.size() - 2);
+    return c.substr(c.rfind("\r\n") == std::string::npos ? 0 : c.rfind("\r\n") + 2);
+}
 
 // A fresh folder under the system's temporary folder, removed at the end of the test.
 class TempDir {

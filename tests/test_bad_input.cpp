@@ -15,12 +15,6 @@ using namespace quillon::test;
 
 namespace {
 
-std::string lastLog(const Session& s) {
-    std::string c = s.log.caption();
-    c.resize(c.size() - 2);
-    return c.substr(c.rfind("\r\n") == std::string::npos ? 0 : c.rfind("\r\n") + 2);
-}
-
 std::string plugin() {
     return file(2, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
                     Rec("INFO").z("INAM", "1").sub("DATA", std::string(12, '\0')).z("ONAM", "a").text("NAME", "Hello").bytes()});

@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QMessageBox>
+#include <QTimer>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
@@ -85,6 +87,56 @@ TEST(MainWindow, ShortcutsOpenSaveAndClose) {
     QString log = w.find<QLabel>("lblLog")->text();
     EXPECT_EQ(log.count(QChar(0x0A)), 5); // the newest six lines only
     EXPECT_TRUE(log.endsWith("-Closed \"w.esp\" successfully."));
+}
+
+TEST(MainWindow, SaveAfterARefusedOpenDoesNotReplaceTheRefusedFile) {
+    Window w;
+    std::string path = w.open();
+    std::string notes = w.dir.write("notes.txt", "eleven kilobytes of notes");
+    w.dialogs.openPaths = {notes};
+    w.key(Qt::Key_O, Qt::ControlModifier);
+    w.key(Qt::Key_S, Qt::ControlModifier); // unanswered: the question's default keeps the file
+    EXPECT_EQ(w.dialogs.messages.back(),
+              "The records open here were read from \"w.esp\". Save would replace \"notes.txt\" with them.");
+    EXPECT_EQ(readAll(notes), "eleven kilobytes of notes");
+}
+
+namespace {
+
+// Presses Enter on the message box that opens next and reports the button Enter chose.
+void pressEnterOnNextBox(QString* defaultText, QStringList* buttons) {
+    QTimer::singleShot(0, [=] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        *defaultText = box->defaultButton() ? box->defaultButton()->text() : QString();
+        for (QAbstractButton* b : box->buttons()) *buttons << b->text();
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+}
+
+} // namespace
+
+TEST(QtDialogs, QuestionsThatCanDestroyAFileDefaultToKeepingIt) {
+    QWidget owner;
+    QtDialogs dialogs(&owner, [] {});
+    QString chosen;
+    QStringList buttons;
+    pressEnterOnNextBox(&chosen, &buttons);
+    EXPECT_EQ(dialogs.message("Replace it?", Buttons::YesNoDefaultNo, Icon::Warning, ""), Answer::No);
+    EXPECT_EQ(chosen, "&No");
+
+    DamageReport report{"mod.esp", {{"LUAL", "lua", 418, "record of unknown type LUAL"}}, true};
+    buttons.clear();
+    pressEnterOnNextBox(&chosen, &buttons);
+    EXPECT_EQ(dialogs.damagedOutput(report), DamageChoice::WriteNothing);
+    EXPECT_EQ(chosen.remove(QChar('&')), "Cancel");
+    EXPECT_TRUE(buttons.contains("&Repair"));
+    EXPECT_TRUE(buttons.contains("Write &As Is"));
+    report.repairable = false;
+    buttons.clear();
+    pressEnterOnNextBox(&chosen, &buttons);
+    dialogs.damagedOutput(report);
+    EXPECT_FALSE(buttons.contains("&Repair")); // offered only when it fixes every record
 }
 
 TEST(FrmInfo, LengthLimitAndActorLabel) {
