@@ -119,12 +119,13 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
     for (const InfoRecord& r : session.store.INFO) {
         if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank")) continue;
         Speaker s = actors.find(session.store, r.ONAM);
-        // A name holding "_" is offered for retyping; an empty answer keeps it.
-        std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
-        if (speaker.find('_') != std::string::npos) {
-            std::string typed = dialogs.input(speaker, "", "");
-            if (!typed.empty()) speaker = typed;
-        }
+        // A name holding "_" is offered for retyping, the typed text replacing it; when that leaves
+        // no name, the actor ID stands in and is offered the same way.
+        auto retyped = [&](const std::string& name) {
+            return name.find('_') != std::string::npos ? dialogs.input(name, "", "") : name;
+        };
+        std::string speaker = s.name.empty() ? std::string() : retyped(s.name);
+        if (speaker.empty()) speaker = retyped(trimBlanks(properCase(r.ONAM)));
         // Values longer than their field are cut: the reader of the file relies on the widths.
         field(out, speaker, 32);
         field(out, city, 32);

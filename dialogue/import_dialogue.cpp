@@ -2,14 +2,15 @@
 #include "app/text.h"
 #include "records/es_read.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quillon {
 
 namespace {
 
-// Reads a text file line by line. CR LF, CR and LF all end a line, so files saved by editors
-// on any system read alike. pos() is the 0-based position of the next read.
+// Reads a text file line by line, as the export wrote it: lines end at CR LF only. pos() is the
+// 0-based position of the next read.
 class LineReader {
 public:
     explicit LineReader(std::string bytes) : bytes_(std::move(bytes)) {}
@@ -17,12 +18,11 @@ public:
     std::size_t pos() const { return pos_; }
     bool next(std::string& line) {
         if (atEnd()) return false;
-        std::size_t end = bytes_.find_first_of("\r\n", pos_);
+        // A lone LF or CR is part of a response's text, as it was exported.
+        std::size_t end = bytes_.find("\r\n", pos_);
         if (end == std::string::npos) end = bytes_.size();
         line.assign(bytes_, pos_, end - pos_);
-        pos_ = end;
-        if (pos_ < bytes_.size() && bytes_[pos_] == '\r') ++pos_;
-        if (pos_ < bytes_.size() && bytes_[pos_] == '\n') ++pos_;
+        pos_ = std::min(end + 2, bytes_.size());
         return true;
     }
 

@@ -71,12 +71,14 @@ TEST(ExportDialogue, FourQuotedLinesPerResponse) {
 }
 
 TEST(ImportDialogue, UnchangedExportSavesTheSameBytes) {
-    Fixture f({{"1", "a", "One.\r\nTwo lines."}, {"2", "b", "\"Quoted\" text"}, {"3", "", ""}});
+    // Lines end at CR LF only: a lone LF or CR stays inside its text.
+    Fixture f({{"1", "a", "One.\r\nTwo lines."}, {"2", "b", "\"Quoted\" text"}, {"3", "", ""},
+               {"4", "c", "lone LF\nhere and lone CR\rthere"}});
     std::string text = f.exported();
     ScriptedPrompts prompts;
     std::string before = serialiseStore(f.session.store, 5, 0, prompts);
     f.import(text, {Answer::No});
-    EXPECT_EQ(f.lastLog(), "-Imported 3 responses to \"d.esp\" successfully.");
+    EXPECT_EQ(f.lastLog(), "-Imported 4 responses to \"d.esp\" successfully.");
     EXPECT_EQ(serialiseStore(f.session.store, 5, 0, prompts), before);
     f.import(text, {Answer::Yes}); // remove line breaks
     EXPECT_EQ(f.session.store.INFO[0].NAME, "One. Two lines.");
@@ -186,12 +188,12 @@ TEST(DetectLoops, FindingsFixesAndOutcomes) {
 TEST(ExportQuotes, XmlAndKestrelFiles) {
     std::string npc = Rec("NPC_").z("NAME", "Fargoth").z("FNAM", "Fargoth").z("RNAM", "Wood Elf").z("CNAM", "Thief").bytes();
     std::string crab = Rec("CREA").z("NAME", "crab").z("FNAM", "Mud Crab").bytes();
-    std::string odd = Rec("NPC_").z("NAME", "x").z("FNAM", "odd_name").bytes();
+    std::string odd = Rec("NPC_").z("NAME", "odd_id").z("FNAM", "odd_name").bytes();
     Fixture f({{"1", "fargoth", "Welcome, %Name the %RACE."},
                {"2", "crab", "I am %name, a %class of %faction."},
                {"3", "", "Nobody speaks."},
                {"4", "fargoth", "Hello %PC."},
-               {"5", "x", "Odd."},
+               {"5", "odd_id", "Odd."},
                {"6", "unknown_guy", "Who?"}},
               {npc, crab, odd});
     f.dialogs.savePaths = {f.dir.file("q.xml")};
@@ -206,7 +208,10 @@ TEST(ExportQuotes, XmlAndKestrelFiles) {
     EXPECT_EQ(f.lastLog(), "-Exported 6 responses from \"d.esp\" successfully.");
 
     f.dialogs.savePaths = {f.dir.file("q.kst")};
-    f.dialogs.inputs = {"Seyda Neen", "Odd Name", ""};
+    f.dialogs.prompts.clear();
+    // An empty answer for a found name falls back to the actor ID, asked for in turn when it
+    // holds "_"; the typed text replaces a name even when empty.
+    f.dialogs.inputs = {"Seyda Neen", "", "Odd Name", ""};
     ExportQuotesKst(f.session, f.dialogs);
     std::string kst = readAll(f.dir.file("q.kst"));
     ASSERT_EQ(kst.size(), 4u * 576); // no "%PC" response, no actor-less response
@@ -214,9 +219,28 @@ TEST(ExportQuotes, XmlAndKestrelFiles) {
     EXPECT_EQ(kst.substr(32, 32), fixed("Seyda Neen", 32));
     EXPECT_EQ(kst.substr(64, 512), fixed("Welcome, Fargoth the Wood Elf.", 512));
     EXPECT_EQ(kst.substr(2 * 576, 32), fixed("Odd Name", 32));
-    // The prompts: the city, then each speaker name holding "_", as the box's only text.
-    EXPECT_EQ(f.dialogs.prompts.back(), "Unknown_guy");
-    EXPECT_EQ(kst.substr(3 * 576, 32), fixed("Unknown_guy", 32)); // an empty answer keeps the ID
+    // The prompts: the city, then each name holding "_", as the box's only text.
+    EXPECT_EQ(f.dialogs.prompts, (std::vector<std::string>{"Please, enter the name of the city to export from:",
+                                                            "odd_name", "Odd_id", "Unknown_guy"}));
+    EXPECT_EQ(kst.substr(3 * 576, 32), std::string(32, '\0'));
+}
+
+// Two deliberate departures from the classic export: the file is replaced whole, so a longer
+// older file leaves no stale tail, and a write that fails is reported instead of logged as done.
+TEST(ExportQuotes, DeliberatelyReplacedWholeAndFailuresReported) {
+    std::string npc = Rec("NPC_").z("NAME", "Fargoth").z("FNAM", "Fargoth").bytes();
+    Fixture f({{"1", "fargoth", "Hi."}}, {npc});
+    std::string path = f.dir.write("q.kst", std::string(5000, 'x'));
+    f.dialogs.savePaths = {path};
+    f.dialogs.inputs = {"Balmora"};
+    ExportQuotesKst(f.session, f.dialogs);
+    EXPECT_EQ(readAll(path).size(), 576u);
+
+    f.dialogs.savePaths = {f.dir.file("no-such-folder/q.xml")};
+    f.dialogs.inputs = {"Balmora"};
+    ExportQuotesXml(f.session, f.dialogs);
+    EXPECT_EQ(f.lastLog(), "-An error occured during dialogue exporting.");
+    EXPECT_NE(f.dialogs.messages.back().find("could not be written"), std::string::npos);
 }
 
 TEST(Corpus, ExportThenImportChangesNothing) {
