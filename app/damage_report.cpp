@@ -25,9 +25,11 @@ std::string damageList(const DamageReport& report, std::size_t limit) {
 
 std::string damageQuestion(const DamageReport& report) {
     std::size_t n = report.records.size();
-    std::string text = groupedNumber(std::int64_t(n)) + (n == 1 ? " record" : " records") + " of \"" + report.file +
-                       "\" would be written damaged: their bytes disagree with their sizes, so the game would misread "
-                       "them and what follows.\n\n" + damageList(report, 10) + "\n";
+    std::string text =
+        groupedNumber(std::int64_t(n)) + (n == 1 ? " record" : " records") + " of \"" + report.file +
+        "\" would be written damaged: their bytes disagree with their sizes, so the game would misread "
+        "them and what follows.\n\n" +
+        damageList(report, 10) + "\n";
     if (report.repairable)
         text += "Repair writes them so that the file reads back whole (their sizes follow what is written; "
                 "records of unknown type keep their data). ";

@@ -7,26 +7,21 @@ namespace quillon {
 
 namespace {
 
-const char* const kTooLongQuestion =
-    "One of the responses has become more than 511 characters after clean up. Do you want to edit it by hand? "
-    "Otherwise original text will be used.\r\n\r\nCancel is \"No to all\"";
+const char* const kTooLongQuestion = "One of the responses has become more than 511 characters after clean "
+                                     "up. Do you want to edit it by hand? "
+                                     "Otherwise original text will be used.\r\n\r\nCancel is \"No to all\"";
 
-} // namespace
-
-void Morrowindize(Session& session, Dialogs& dialogs) {
-    std::string name = bareName(session.currentPath);
-    std::vector<InfoRecord>& infos = session.store.INFO;
-    session.log.LogLine("-Morrowindizing " + std::to_string(infos.size()) + " responses from \"" + name + "\"...");
-    dialogs.refreshLog();
-    bool quoteParity = false, noToAll = false;
-    std::size_t changed = 0;
-    for (InfoRecord& r : infos) {
+// Cleans every response in store order; a response that grows past the limit is offered for
+// editing or keeps its text.
+void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToAll, std::size_t& changed) {
+    for (InfoRecord& r : session.store.INFO) {
         const std::string original = r.NAME;
         std::string text = cleanResponse(original, session.settings, quoteParity);
         // The question says 511 while the test is for more than 512: both numbers are intended.
         if (text.size() > kMaxResponse) {
-            Answer a = noToAll ? Answer::No
-                               : dialogs.message(kTooLongQuestion, Buttons::YesNoCancel, Icon::Question, "Clean Up");
+            Answer a =
+                noToAll ? Answer::No
+                        : dialogs.message(kTooLongQuestion, Buttons::YesNoCancel, Icon::Question, "Clean Up");
             if (a == Answer::Yes) {
                 text = dialogs.editResponse(r.ONAM, r.DialogueType == 4 ? "Journal Entry" : r.Topic, text);
                 dialogs.refreshLog();
@@ -42,6 +37,26 @@ void Morrowindize(Session& session, Dialogs& dialogs) {
         // A change of letter case alone keeps the new text but is not counted.
         if (!equalsIgnoreCase(text, original)) ++changed;
         r.NAME = std::move(text);
+    }
+}
+
+} // namespace
+
+void Morrowindize(Session& session, Dialogs& dialogs) {
+    std::string name = bareName(session.currentPath);
+    std::vector<InfoRecord>& infos = session.store.INFO;
+    session.log.LogLine("-Morrowindizing " + std::to_string(infos.size()) + " responses from \"" + name +
+                        "\"...");
+    dialogs.refreshLog();
+    bool quoteParity = false, noToAll = false;
+    std::size_t changed = 0;
+    try {
+        cleanAll(session, dialogs, quoteParity, noToAll, changed);
+    } catch (const std::exception&) {
+        // Responses already cleaned keep their new texts.
+        session.log.LogLine("-An error occured during dialogue clean-up.");
+        dialogs.refreshLog();
+        return;
     }
     if (changed == 0)
         session.log.LogLine("-All dialogues in \"" + name + "\" are already Morrowindish.");

@@ -1,6 +1,9 @@
 #include "app/text.h"
 #include "dialogue/dialogue_commands.h"
 
+#include "app/error_numbers.h"
+
+#include <new>
 #include <vector>
 
 namespace quillon {
@@ -39,7 +42,8 @@ std::vector<std::string> scriptLines(const std::string& script) {
 // The choice offered last on the line, or followed by further choices.
 bool offersChoice(const std::string& line, std::int32_t choice) {
     std::string number = std::to_string(choice);
-    return wildcardMatch(line, "*Choice \"*\" " + number) || wildcardMatch(line, "*Choice \"*\" " + number + " *");
+    return wildcardMatch(line, "*Choice \"*\" " + number) ||
+           wildcardMatch(line, "*Choice \"*\" " + number + " *");
 }
 
 } // namespace
@@ -51,16 +55,11 @@ std::vector<std::string> linesOfferingChoice(const std::string& script, std::int
     return found;
 }
 
-void DetectLoops(Session& session, Dialogs& dialogs) {
-    std::string name = bareName(session.currentPath);
-    std::vector<InfoRecord>& infos = session.store.INFO;
-    if (infos.empty()) {
-        session.log.LogLine("-\"" + name + "\" contains no dialogue responses.");
-        return;
-    }
-    session.log.LogLine("-Checking " + std::to_string(infos.size()) + " responses from \"" + name + "\" for loops...");
-    dialogs.refreshLog();
-    for (InfoRecord& r : infos) {
+namespace {
+
+// Offers every finding for fixing; false when the user cancelled.
+bool checkAll(Session& session, Dialogs& dialogs) {
+    for (InfoRecord& r : session.store.INFO) {
         for (const InfoCondition& c : r.Conditions) {
             if (!isChoiceCondition(c) || r.BNAM.size() <= 5) continue;
             // The lines of the script as it was before any fix accepted below.
@@ -71,18 +70,38 @@ void DetectLoops(Session& session, Dialogs& dialogs) {
                     // The sizes stay as they were; the writer writes them as stored, and the
                     // write check names the response if they no longer fit.
                     if (fix.text != r.NAME || fix.result != r.BNAM)
-                        session.store.editNotes[&r] = "response text changed by the loop fix without its sizes";
+                        session.store.editNotes[&r] =
+                            "response text changed by the loop fix without its sizes";
                     r.NAME = fix.text;
                     r.BNAM = fix.result;
                 } else if (fix.status == 1) {
-                    session.log.LogLine("-Loop check cancelled.");
-                    dialogs.refreshLog();
-                    return;
+                    return false;
                 }
             }
         }
     }
-    session.log.LogLine("-Loop check successful.");
+    return true;
+}
+
+} // namespace
+
+void DetectLoops(Session& session, Dialogs& dialogs) {
+    std::string name = bareName(session.currentPath);
+    if (session.store.INFO.empty()) {
+        session.log.LogLine("-\"" + name + "\" contains no dialogue responses.");
+        return;
+    }
+    session.log.LogLine("-Checking " + std::to_string(session.store.INFO.size()) + " responses from \"" +
+                        name + "\" for loops...");
+    dialogs.refreshLog();
+    try {
+        session.log.LogLine(checkAll(session, dialogs) ? "-Loop check successful."
+                                                       : "-Loop check cancelled.");
+    } catch (const std::bad_alloc&) {
+        // Fixes accepted before the failure stay.
+        dialogs.message(numberedErrorMessage(FailureKind::OutOfMemory), Buttons::Ok, Icon::None, "");
+        session.log.LogLine("-An error occured during loop detection.");
+    }
     dialogs.refreshLog();
 }
 

@@ -1,10 +1,13 @@
 #include "npclist/npc_list.h"
 
+#include "app/error_numbers.h"
+
 #include "app/text.h"
 #include "writer/safe_file.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <unordered_map>
 #include <vector>
 
@@ -25,8 +28,9 @@ struct Field {
     const char* phpColour;
     const char* htmlColour;
 };
-constexpr Field kFields[7] = {{"white", "#FFFFFF"}, {"red", "#FF0000"},   {"orange", "#FF9933"}, {"yellow", "#FFFF00"},
-                              {"green", "#00FF00"}, {"blue", "#0066FF"},  {"purple", "#800080"}};
+constexpr Field kFields[7] = {{"white", "#FFFFFF"},  {"red", "#FF0000"},   {"orange", "#FF9933"},
+                              {"yellow", "#FFFF00"}, {"green", "#00FF00"}, {"blue", "#0066FF"},
+                              {"purple", "#800080"}};
 
 std::vector<std::string> values(const Entry& e) {
     return {e.name, e.gender, e.race, e.cls, e.faction, "***Description***", "***To be asigned***"};
@@ -55,13 +59,15 @@ public:
             out_ += kBreak;
             break;
         case NpcListFormat::PlainText:
-            for (const std::string& value : v) out_ += value + kBreak;
+            for (const std::string& value : v)
+                out_ += value + kBreak;
             out_ += kBreak;
             break;
         case NpcListFormat::Html:
             out_ += std::string("<li>") + kBreak;
             for (std::size_t i = 0; i < 7; ++i)
-                out_ += std::string("<font color=\"") + kFields[i].htmlColour + "\">" + v[i] + "</font><br>" + kBreak;
+                out_ += std::string("<font color=\"") + kFields[i].htmlColour + "\">" + v[i] + "</font><br>" +
+                        kBreak;
             out_ += std::string("<br>") + kBreak + "</li>" + kBreak;
             break;
         }
@@ -73,15 +79,18 @@ public:
     }
     std::string finish(int count) {
         out_ += "Total NPCs: " + std::to_string(count);
-        if (format_ == NpcListFormat::Html) out_ += std::string(kBreak) + "</body>" + kBreak + "</html>" + kBreak;
+        if (format_ == NpcListFormat::Html)
+            out_ += std::string(kBreak) + "</body>" + kBreak + "</html>" + kBreak;
         return std::move(out_);
     }
 
 private:
     void header(const std::string& answer) {
-        static const char* const legend[8] = {"White - Name",  "Red - Gender",       "Orange - Race",   "Yellow - Class",
-                                              "Green - Faction", "Blue - Description", "Purple - Writer", "Gray - DONE"};
-        static const char* const php[8] = {"white", "red", "orange", "yellow", "green", "blue", "purple", "gray"};
+        static const char* const legend[8] = {"White - Name",    "Red - Gender",    "Orange - Race",
+                                              "Yellow - Class",  "Green - Faction", "Blue - Description",
+                                              "Purple - Writer", "Gray - DONE"};
+        static const char* const php[8] = {"white", "red",  "orange", "yellow",
+                                           "green", "blue", "purple", "gray"};
         static const char* const html[8] = {"#FFFFFF", "#FF0000", "#FF9933", "#FFFF00",
                                             "#00FF00", "#0066FF", "#800080", "#808080"};
         if (format_ == NpcListFormat::PhpBB) {
@@ -96,9 +105,9 @@ private:
                     "<meta http-equiv=\"Content-Language\" content=\"en-us\">" + b +
                     "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1252\">" + b +
                     "<title>NPCs List for " + answer + " by Quillon</title>" + b + "</head>" + b +
-                    "<body bgcolor=\"#000000\" text=\"#00FFFF\">" + b + "<p align=\"center\">NPCs List for " + answer +
-                    " by <a href=\"" + kHomePage + "\">Quillon</a></p>" + b + "<br>" + b + "Color code:<br>" + b +
-                    "<br>" + b;
+                    "<body bgcolor=\"#000000\" text=\"#00FFFF\">" + b + "<p align=\"center\">NPCs List for " +
+                    answer + " by <a href=\"" + kHomePage + "\">Quillon</a></p>" + b + "<br>" + b +
+                    "Color code:<br>" + b + "<br>" + b;
             for (int i = 0; i < 8; ++i)
                 out_ += std::string("<font color=\"") + html[i] + "\">" + legend[i] + "</font><br>" + b;
             out_ += "<br>" + b + "<br>" + b + "<br>" + b;
@@ -128,7 +137,8 @@ Entry entryFor(const RecordStore& store, const NpcRecord& npc) {
 std::string cellTitle(const CellRecord& cell) {
     std::string title = cell.NAME;
     // A region marks an exterior cell, whose grid is shown.
-    if (cell.RGNNSize != 0) title += " (" + std::to_string(cell.GridX) + ", " + std::to_string(cell.GridY) + ")";
+    if (cell.RGNNSize != 0)
+        title += " (" + std::to_string(cell.GridX) + ", " + std::to_string(cell.GridY) + ")";
     return title + ":";
 }
 
@@ -136,11 +146,11 @@ std::string cellTitle(const CellRecord& cell) {
 
 bool isClone(const std::string& name) {
     // Tested in this order; three are parts of names, the rest whole names.
-    static const char* const tests[] = {"guard",      "ordinator",      "dead ordinator", "imperial archer",
-                                        "dreamer",    "dead dreamer",   "dreamer worker", "adventurer",
-                                        "player",     "vampire",        "playersavegame", "egg miner",
-                                        "dead egg miner", "dead body",  "sharpshooter",   "cattle",
-                                        "buoyant armiger", "worshipper"};
+    static const char* const tests[] = {
+        "guard",          "ordinator",       "dead ordinator", "imperial archer", "dreamer",
+        "dead dreamer",   "dreamer worker",  "adventurer",     "player",          "vampire",
+        "playersavegame", "egg miner",       "dead egg miner", "dead body",       "sharpshooter",
+        "cattle",         "buoyant armiger", "worshipper"};
     for (const char* test : tests) {
         std::string_view t = test;
         bool part = t == "guard" || t == "adventurer" || t == "sharpshooter";
@@ -149,10 +159,11 @@ bool isClone(const std::string& name) {
     return false;
 }
 
-std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones, const std::string& answer,
-                         int& count) {
+std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
+                         const std::string& answer, int& count) {
     std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
-    for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
+    for (std::size_t i = 0; i < store.NPC_.size(); ++i)
+        npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
 
     // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
     Sheet sheet(format, answer);
@@ -188,30 +199,41 @@ void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, boo
         return;
     }
     FileRequest request;
-    request.filter = format == NpcListFormat::Html ? "HTML files (*.htm, *.html)|*.htm;*.html|All Files (*.*)| *.*"
-                                                   : "Text Files (*.txt)|*.txt|All Files (*.*)| *.*";
+    request.filter = format == NpcListFormat::Html
+                         ? "HTML files (*.htm, *.html)|*.htm;*.html|All Files (*.*)| *.*"
+                         : "Text Files (*.txt)|*.txt|All Files (*.*)| *.*";
     request.defaultExtension = format == NpcListFormat::Html ? ".htm" : ".txt";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return;
+    // The old list goes at once, even if no cell name follows; anything but an ordinary file is
+    // left alone and refused when the list is written.
     std::error_code ec;
-    std::filesystem::remove(path, ec); // the old list goes at once, even if no cell name follows
-    std::string answer = dialogs.input("Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
+    if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ec)))
+        std::filesystem::remove(path, ec);
+    std::string answer =
+        dialogs.input("Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
     if (answer.empty()) return;
     std::string dataName = bareName(session.currentPath);
     session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
     dialogs.refreshLog();
 
-    int count = 0;
-    std::string sheet = npcListSheet(session.store, format, skipClones, answer, count);
-    std::string error = replaceFileSafely(path, sheet);
-    if (!error.empty()) {
-        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok, Icon::Critical, "");
+    auto fail = [&](FailureKind kind) {
+        dialogs.message(numberedErrorMessage(kind), Buttons::Ok, Icon::None, "");
         session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");
-        return;
+    };
+    int count = 0;
+    std::string sheet;
+    try {
+        sheet = npcListSheet(session.store, format, skipClones, answer, count);
+    } catch (const std::bad_alloc&) {
+        return fail(FailureKind::OutOfMemory);
     }
+    int systemError = 0;
+    if (!replaceFileSafely(path, sheet, &systemError).empty()) return fail(writeFailureKind(systemError));
     if (count > 0)
-        session.log.LogLine("-Listed " + std::to_string(count) + " NPCs in \"" + bareName(path) + "\" successfully.");
+        session.log.LogLine("-Listed " + std::to_string(count) + " NPCs in \"" + bareName(path) +
+                            "\" successfully.");
     else
         session.log.LogLine("-No NPCs found in given cell in \"" + dataName + "\"");
 }

@@ -30,9 +30,13 @@ Serialised rewrite(const std::string& bytes, bool repairing = false) {
     return serialiseChecked(store, 1, 0, prompts, repairing);
 }
 
-std::string header() { return Rec("TES3").sub("HEDR", hedr(0)).bytes(); }
+std::string header() {
+    return Rec("TES3").sub("HEDR", hedr(0)).bytes();
+}
 
-std::string effect(char fill) { return std::string(24, fill); }
+std::string effect(char fill) {
+    return std::string(24, fill);
+}
 
 int run(std::vector<std::string> args, std::string* err = nullptr) {
     std::ostringstream out, errors;
@@ -46,16 +50,20 @@ int run(std::vector<std::string> args, std::string* err = nullptr) {
 TEST(KeepEverything, SlotOverflowsRoundTripByteForByte) {
     Rec clot("CLOT");
     clot.z("NAME", "robe").z("MODL", "m.nif").sub("CTDT", std::string(12, '\0'));
-    for (int i = 0; i < 17; ++i) clot.sub("INDX", std::string(1, char(i))).text("BNAM", "part" + std::to_string(i));
+    for (int i = 0; i < 17; ++i)
+        clot.sub("INDX", std::string(1, char(i))).text("BNAM", "part" + std::to_string(i));
     Rec spel("SPEL");
     spel.z("NAME", "s").sub("SPDT", std::string(12, '\0'));
-    for (char c = 'a'; c < 'a' + 9; ++c) spel.sub("ENAM", effect(c));
+    for (char c = 'a'; c < 'a' + 9; ++c)
+        spel.sub("ENAM", effect(c));
     Rec npc("NPC_");
     npc.z("NAME", "n").z("MODL", "m").sub("NPDT", std::string(12, '\0')).i32("FLAG", 0);
-    for (int i = 0; i < 5; ++i) npc.sub("DODT", std::string(24, char(i))).z("DNAM", "Cell " + std::to_string(i));
+    for (int i = 0; i < 5; ++i)
+        npc.sub("DODT", std::string(24, char(i))).z("DNAM", "Cell " + std::to_string(i));
     Rec info("INFO");
     info.z("INAM", "i").sub("DATA", std::string(12, '\0'));
-    for (char slot = '0'; slot < '7'; ++slot) info.sub("SCVR", scvr(slot, '1', "00", '0')).i32("INTV", slot);
+    for (char slot = '0'; slot < '7'; ++slot)
+        info.sub("SCVR", scvr(slot, '1', "00", '0')).i32("INTV", slot);
     // The record after the overflowing one is the one a short write used to swallow.
     std::string acti = Rec("ACTI").z("NAME", "after").z("MODL", "a.nif").bytes();
     for (const std::string& record : {clot.bytes(), spel.bytes(), npc.bytes()}) {
@@ -76,15 +84,25 @@ TEST(KeepEverything, LaterRunsOfInventorySpellsAndDestinationsAreKept) {
     auto item = [](const char* id) { return le32(1) + fixed(id, 32); };
     Rec npc("NPC_");
     npc.z("NAME", "n").z("MODL", "m").sub("NPDT", std::string(12, '\0')).i32("FLAG", 0);
-    npc.sub("NPCO", item("a")).sub("NPCS", fixed("s1", 32)).sub("NPCO", item("b")).sub("NPCS", fixed("s2", 32));
-    npc.sub("DODT", std::string(24, '\1')).sub("AI_W", std::string(14, '\0')).sub("DODT", std::string(24, '\2'));
+    npc.sub("NPCO", item("a"))
+        .sub("NPCS", fixed("s1", 32))
+        .sub("NPCO", item("b"))
+        .sub("NPCS", fixed("s2", 32));
+    npc.sub("DODT", std::string(24, '\1'))
+        .sub("AI_W", std::string(14, '\0'))
+        .sub("DODT", std::string(24, '\2'));
     Serialised out = rewrite(header() + npc.bytes());
     EXPECT_TRUE(out.damaged.empty());
     // Written in the writers' order: all inventory, all spells, then the destinations.
     Rec expected("NPC_");
     expected.z("NAME", "n").z("MODL", "m").sub("NPDT", std::string(12, '\0')).i32("FLAG", 0);
-    expected.sub("NPCO", item("a")).sub("NPCO", item("b")).sub("NPCS", fixed("s1", 32)).sub("NPCS", fixed("s2", 32));
-    expected.sub("DODT", std::string(24, '\1')).sub("DODT", std::string(24, '\2')).sub("AI_W", std::string(14, '\0'));
+    expected.sub("NPCO", item("a"))
+        .sub("NPCO", item("b"))
+        .sub("NPCS", fixed("s1", 32))
+        .sub("NPCS", fixed("s2", 32));
+    expected.sub("DODT", std::string(24, '\1'))
+        .sub("DODT", std::string(24, '\2'))
+        .sub("AI_W", std::string(14, '\0'));
     EXPECT_EQ(splitRecords(out.bytes).back(), expected.bytes());
 }
 
@@ -93,8 +111,10 @@ TEST(EditorDeletions, DeleWithoutTheFlagDeletesAndRoundTrips) {
     std::string npc = Rec("NPC_").z("NAME", "gone").i32("DELE", 0).bytes();
     std::string dial = Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes();
     std::string info = Rec("INFO").z("INAM", "1").z("PNAM", "0").z("NNAM", "2").i32("DELE", 0).bytes();
-    std::string scpt = Rec("SCPT").sub("SCHD", fixed("OldScript", 32) + std::string(20, '\0')).i32("DELE", 0).bytes();
-    std::string pgrd = Rec("PGRD").sub("DATA", std::string(12, '\0')).z("NAME", "Cell").i32("DELE", 0).bytes();
+    std::string scpt =
+        Rec("SCPT").sub("SCHD", fixed("OldScript", 32) + std::string(20, '\0')).i32("DELE", 0).bytes();
+    std::string pgrd =
+        Rec("PGRD").sub("DATA", std::string(12, '\0')).z("NAME", "Cell").i32("DELE", 0).bytes();
     std::string stat = Rec("STAT").z("NAME", "after").z("MODL", "a.nif").bytes();
     std::string bytes = header() + npc + scpt + stat + pgrd + dial + info;
     RecordStore store = readStore(bytes);
@@ -109,7 +129,8 @@ TEST(EditorDeletions, DeleWithoutTheFlagDeletesAndRoundTrips) {
 }
 
 TEST(EditorDeletions, FlagsAloneLeaveScriptsAndPathGridsWhole) {
-    std::string scpt = Rec("SCPT", 0x20).sub("SCHD", fixed("S", 32) + std::string(20, '\0')).text("SCTX", "x").bytes();
+    std::string scpt =
+        Rec("SCPT", 0x20).sub("SCHD", fixed("S", 32) + std::string(20, '\0')).text("SCTX", "x").bytes();
     std::string pgrd = Rec("PGRD", 0x20).sub("DATA", std::string(12, '\0')).z("NAME", "C").bytes();
     Serialised out = rewrite(header() + scpt + pgrd);
     EXPECT_EQ(out.bytes, header() + scpt + pgrd);
@@ -168,8 +189,8 @@ TEST(DamagedOutput, IsNamedRefusedRepairedOrForced) {
     EXPECT_TRUE(framesThroughout(repaired));
     std::vector<std::string> records = splitRecords(repaired);
     ASSERT_EQ(records.size(), 4u);
-    EXPECT_EQ(records[1], splitRecords(before)[1]); // the undamaged STAT is untouched
-    EXPECT_EQ(records[3], splitRecords(before)[3]); // the unknown record keeps its data
+    EXPECT_EQ(records[1], splitRecords(before)[1]);         // the undamaged STAT is untouched
+    EXPECT_EQ(records[3], splitRecords(before)[3]);         // the unknown record keeps its data
     EXPECT_NE(records[2].find("chair"), std::string::npos); // the cell goes on past the moved reference
 
     d.damageChoices = {DamageChoice::WriteAsIs};
@@ -252,10 +273,11 @@ TEST(RiskyQuestions, SaveAfterARefusedOpenAsksBeforeReplacingAnotherFile) {
     Session s;
     ScriptedDialogs d;
     openPath(s, d, mod);
-    openPath(s, d, notes); // refused by its name; the records of mod.esp stay
+    openPath(s, d, notes);    // refused by its name; the records of mod.esp stay
     EXPECT_FALSE(Save(s, d)); // unanswered: the default is No
-    EXPECT_EQ(d.messages.back(),
-              "The records open here were read from \"mod.esp\". Save would replace \"notes.txt\" with them.");
+    EXPECT_EQ(
+        d.messages.back(),
+        "The records open here were read from \"mod.esp\". Save would replace \"notes.txt\" with them.");
     EXPECT_EQ(readAll(notes), "my notes");
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     d.answers = {Answer::Yes};

@@ -75,7 +75,9 @@ std::string ByteSink::writtenId() const {
         switch (t) {
         case quillon::tag("NAME"):
         case quillon::tag("INAM"): return std::string(data.substr(0, data.find('\0')));
-        case quillon::tag("SCHD"): data = data.substr(0, 32); return std::string(data.substr(0, data.find('\0')));
+        case quillon::tag("SCHD"):
+            data = data.substr(0, 32);
+            return std::string(data.substr(0, data.find('\0')));
         case quillon::tag("INDX"):
             if (data.size() >= 4) return std::to_string(int32At(out_, at + 8));
             break;

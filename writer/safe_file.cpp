@@ -24,7 +24,10 @@ std::string describe(int error) { return std::strerror(error); }
 } // namespace
 
 #ifndef _WIN32
-std::string replaceFileSafely(const std::string& path, const std::string& bytes) {
+std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError) {
+    int ignored = 0;
+    int& reported = systemError ? *systemError : ignored;
+    reported = 0;
     fs::path target(path);
     std::error_code ec;
     // A link is followed, so that the file it names is replaced and the link stays.
@@ -38,7 +41,10 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes)
     fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     std::string pattern = (folder / ("." + target.filename().string() + ".quillon-XXXXXX")).string();
     int fd = ::mkstemp(pattern.data());
-    if (fd < 0) return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
+    if (fd < 0) {
+        reported = errno;
+        return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
+    }
     // Keep the old file's permissions; a new file gets the usual ones.
     struct stat old {};
     mode_t mode = ::stat(target.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
@@ -68,12 +74,14 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes)
     if (!error && ::rename(pattern.c_str(), target.c_str()) != 0) error = errno;
     if (error) {
         ::unlink(pattern.c_str());
+        reported = error;
         return describe(error);
     }
     return {};
 }
 #else
-std::string replaceFileSafely(const std::string& path, const std::string& bytes) {
+std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError) {
+    if (systemError) *systemError = 0;
     fs::path target(path);
     fs::path temp = target;
     temp += ".quillon-new";
