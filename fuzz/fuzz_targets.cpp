@@ -9,6 +9,7 @@
 #include "tools/record_builder.h"
 #include "writer/es_write.h"
 
+#include <cstdlib>
 #include <string>
 
 namespace quillon::fuzz {
@@ -38,6 +39,9 @@ void read(const std::uint8_t* data, std::size_t size) {
     ReadESBuffer(store, bytesOf(data, size), count, true, answers);
     serialiseStore(store, count, 0, answers);
     serialiseStore(store, count, 32, answers);
+    // Whatever was read, a repair writes a file that frames throughout.
+    Serialised repaired = serialiseChecked(store, count, 0, answers, true);
+    if (!repaired.damaged.empty() || !framesThroughout(repaired.bytes)) std::abort();
 }
 
 void importText(const std::uint8_t* data, std::size_t size) {
