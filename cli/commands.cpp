@@ -16,6 +16,7 @@ namespace quillon {
 namespace {
 
 const char* const kUsage = R"(usage: quillon COMMAND [ARGUMENTS]
+       quillon --version
 
 Commands:
   counts FILE                      open FILE; print its log lines and the 57 record counts
@@ -284,6 +285,10 @@ bool setUnknownMode(CliDialogs& dialogs, const std::string& mode) {
 } // namespace
 
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    if (!args.empty() && args[0] == "--version") {
+        out << "quillon " << QUILLON_VERSION << "\n";
+        return 0;
+    }
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         (args.empty() ? err : out) << kUsage;
         return args.empty() ? 2 : 0;

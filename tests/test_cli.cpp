@@ -86,3 +86,22 @@ TEST(Cli, EveryCommandOnTheSamplePlugin) {
     EXPECT_NE(cleaned.err.find("kept the original text of a response of \"ks_fenrick\""), std::string::npos);
     EXPECT_EQ(cli({"npc-list", sample, "--cell", "x", "--format", "pdf", "-o", dir.file("n")}).status, 2);
 }
+
+TEST(Cli, VersionAndACompletionForEveryCommand) {
+    CliRun version = cli({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out.rfind("quillon ", 0), 0u);
+    std::string completion = readAll(QUILLON_DATA "/quillon.bash-completion");
+    std::string commands = completion.substr(completion.find("local commands=\""));
+    commands = commands.substr(0, commands.find('\n'));
+    // Every command the help lists (indented two blanks, lower case first) can be completed.
+    std::istringstream help(cli({"--help"}).out);
+    int listed = 0;
+    for (std::string line; std::getline(help, line);) {
+        if (line.size() < 3 || line.rfind("  ", 0) != 0 || !std::islower(static_cast<unsigned char>(line[2]))) continue;
+        std::string name = line.substr(2, line.find(' ', 2) - 2);
+        EXPECT_NE(commands.find(" " + name + " "), std::string::npos) << name;
+        ++listed;
+    }
+    EXPECT_EQ(listed, 9);
+}

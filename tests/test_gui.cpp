@@ -59,6 +59,10 @@ TEST(MainWindow, CaptionsAndStartingState) {
         EXPECT_FALSE(w.find(name)->isEnabled()) << name;
     EXPECT_FALSE(w.action("mnuSave")->isEnabled());
     EXPECT_TRUE(w.action("mnuOpen")->isEnabled());
+    // Keys show as hints; the window's own key table handles them, so none is registered twice.
+    EXPECT_EQ(w.action("mnuSaveAs")->text(), "&Save as\tCtrl+Shift+S");
+    EXPECT_EQ(w.action("mnuLoops")->text(), "&Detect Loops");
+    for (QAction* a : w.window.findChildren<QAction*>()) EXPECT_TRUE(a->shortcut().isEmpty()) << a->text().toStdString();
     EXPECT_TRUE(w.find("optPure")->isEnabled());
 }
 

@@ -16,6 +16,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
@@ -83,38 +84,43 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
 FrmMain::~FrmMain() { qApp->removeEventFilter(this); }
 
 void FrmMain::createMenus() {
-    auto entry = [this](QMenu* menu, const char* name, const char* caption, void (FrmMain::*slot)()) {
-        QAction* a = menu->addAction(QString::fromLatin1(caption));
+    // The key shows as a hint beside the caption only: the window's own key table handles the
+    // keys, so a registered shortcut would fire a command twice.
+    auto entry = [this](QMenu* menu, const char* name, const char* caption, void (FrmMain::*slot)(),
+                        const char* key = nullptr) {
+        QString text = QString::fromLatin1(caption);
+        if (key) text += '\t' + QKeySequence(QString::fromLatin1(key)).toString(QKeySequence::NativeText);
+        QAction* a = menu->addAction(text);
         a->setObjectName(name);
         connect(a, &QAction::triggered, this, slot);
         return a;
     };
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName("mnuFile");
-    mnuOpen = entry(file, "mnuOpen", "&Open", &FrmMain::onOpen);
-    mnuSave = entry(file, "mnuSave", "&Save", &FrmMain::onSave);
-    mnuSaveAs = entry(file, "mnuSaveAs", "&Save as", &FrmMain::onSaveAs);
-    mnuClose = entry(file, "mnuClose", "&Close", &FrmMain::onClose);
+    mnuOpen = entry(file, "mnuOpen", "&Open", &FrmMain::onOpen, "Ctrl+O");
+    mnuSave = entry(file, "mnuSave", "&Save", &FrmMain::onSave, "Ctrl+S");
+    mnuSaveAs = entry(file, "mnuSaveAs", "&Save as", &FrmMain::onSaveAs, "Ctrl+Shift+S");
+    mnuClose = entry(file, "mnuClose", "&Close", &FrmMain::onClose, "Ctrl+C");
     file->addSeparator()->setObjectName("mnuJunk1");
-    mnuExit = entry(file, "mnuExit", "E&xit", &FrmMain::onExit);
+    mnuExit = entry(file, "mnuExit", "E&xit", &FrmMain::onExit, "Ctrl+X");
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
     edit->setObjectName("mnuEdit");
     // The Edit entries run the handlers of their twin buttons.
-    mnuExport = entry(edit, "mnuExport", "&Export Dialogue", &FrmMain::onExport);
-    mnuImport = entry(edit, "mnuImport", "&Import Dialogue", &FrmMain::onImport);
-    mnuList = entry(edit, "mnuList", "Export NPC &List", &FrmMain::onList);
+    mnuExport = entry(edit, "mnuExport", "&Export Dialogue", &FrmMain::onExport, "Ctrl+E");
+    mnuImport = entry(edit, "mnuImport", "&Import Dialogue", &FrmMain::onImport, "Ctrl+I");
+    mnuList = entry(edit, "mnuList", "Export NPC &List", &FrmMain::onList, "Ctrl+L");
     mnuLoops = entry(edit, "mnuLoops", "&Detect Loops", &FrmMain::onLoops);
     edit->addSeparator()->setObjectName("mnuJunk2");
-    mnuClean = entry(edit, "mnuClean", "&Morrowindize Dialogue", &FrmMain::onSpellCheck);
-    mnuOptions = entry(edit, "mnuOptions", "Morrowindization O&ptions", &FrmMain::onOptions);
+    mnuClean = entry(edit, "mnuClean", "&Morrowindize Dialogue", &FrmMain::onSpellCheck, "Ctrl+M");
+    mnuOptions = entry(edit, "mnuOptions", "Morrowindization O&ptions", &FrmMain::onOptions, "Ctrl+P");
     edit->addSeparator();
     mnuQuotesXml = entry(edit, "mnuQuotesXml", "Export &Quotes as XML", &FrmMain::onQuotesXml);
     mnuQuotesKst = entry(edit, "mnuQuotesKst", "Export Quotes as &Kestrel File", &FrmMain::onQuotesKst);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     help->setObjectName("mnuHelp");
-    mnuAbout = entry(help, "mnuAbout", "&About", &FrmMain::onAbout);
+    mnuAbout = entry(help, "mnuAbout", "&About", &FrmMain::onAbout, "Ctrl+A");
 }
 
 void FrmMain::createFrames() {

@@ -3,7 +3,20 @@
 
 #include <QApplication>
 
+#include <cstdio>
+#include <cstring>
+
 int main(int argc, char** argv) {
+    // Answered before any window exists, so that they work without a display.
+    if (argc > 1 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("quillon-gui %s\n", QUILLON_VERSION);
+        return 0;
+    }
+    if (argc > 1 && std::strcmp(argv[1], "--help") == 0) {
+        std::printf("usage: quillon-gui [FILE]\n\nThe Quillon window; a data file given here is opened at once.\n"
+                    "The command-line twin is quillon (see quillon --help).\n");
+        return 0;
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     quillon::Session session;
