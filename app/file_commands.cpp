@@ -169,8 +169,12 @@ bool SaveAs(Session& session, Dialogs& dialogs) {
 }
 
 bool saveAsPath(Session& session, Dialogs& dialogs, const std::string& path) {
-    // The chosen file is created (empty) before writing, as an open-and-close would.
-    if (std::FILE* f = std::fopen(path.c_str(), "ab")) std::fclose(f);
+    // The chosen file is created (empty) before writing, as an open-and-close would. Anything but
+    // an ordinary file is left alone (opening a pipe would block); the write then refuses it.
+    std::error_code ec;
+    std::filesystem::file_status status = std::filesystem::status(path, ec);
+    if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status))
+        if (std::FILE* f = std::fopen(path.c_str(), "ab")) std::fclose(f);
     // The full path rather than the bare title: a later Save must reach the same file whatever
     // the working folder is.
     session.currentPath = path;

@@ -41,6 +41,9 @@ bool containsIgnoreCase(std::string_view hay, std::string_view needle);
 std::size_t replaceAllIgnoreCase(std::string& text, std::string_view search, std::string_view replacement);
 // The first letter of every blank-separated word in upper case, the rest in lower case.
 std::string properCase(std::string_view text);
+// A text from a data or text file as a message shows it: cut to limit bytes, with its full
+// length stated when cut ("abc... (52,000,000 characters)").
+std::string readableExcerpt(std::string_view text, std::size_t limit = 80);
 // Matches a pattern in which "*" stands for any run of characters, ignoring case.
 bool wildcardMatch(std::string_view text, std::string_view pattern);
 // The key under which a text is looked up ignoring case.

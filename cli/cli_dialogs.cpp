@@ -8,10 +8,20 @@
 namespace quillon {
 
 std::string forTerminal(const std::string& text) {
+    static const char* const kHex = "0123456789abcdef";
     std::string out;
+    out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        out += text[i];
+        auto c = static_cast<unsigned char>(text[i]);
+        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        // Control bytes from a data file are shown, never obeyed: an ESC could rewrite the screen.
+        if ((c < 0x20 && c != '\n' && c != '\t') || c == 0x7F) {
+            out += "\\x";
+            out += kHex[c >> 4];
+            out += kHex[c & 0xF];
+            continue;
+        }
+        out += char(c);
     }
     return out;
 }

@@ -49,7 +49,7 @@ private:
     Answer unknownRecord(const std::string& text);
 };
 
-// Text with CR LF pairs turned into plain line breaks, for a terminal.
+// Text for a terminal: CR LF pairs as plain line breaks, other control bytes escaped ("\x1b").
 std::string forTerminal(const std::string& text);
 
 } // namespace quillon

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <iostream>
+#include <new>
 
 namespace quillon {
 
@@ -140,8 +141,9 @@ int loopsCommand(Context& c) {
                             const std::string& result, std::int32_t choice) {
         ++found;
         std::vector<std::string> lines = linesOfferingChoice(result, choice);
-        c.out << "actor \"" << actor << "\", topic \"" << topic << "\", choice " << choice << ": "
-              << (lines.empty() ? std::string() : lines.front()) << '\n';
+        c.out << forTerminal("actor \"" + actor + "\", topic \"" + topic + "\", choice " + std::to_string(choice) +
+                             ": " + (lines.empty() ? std::string() : lines.front()))
+              << '\n';
         return LoopFix{2, text, result};
     };
     std::size_t mark = c.logged.size();
@@ -208,8 +210,9 @@ int morrowindizeCommand(Context& c) {
     // command line learns whose response it was.
     c.dialogs.answer = [](const std::string&, Buttons) { return Answer::Yes; };
     c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
-        c.err << "quillon: kept the original text of a response of \"" << actor << "\" in \"" << topic
-              << "\": cleaned it would be " << text.size() << " characters long\n";
+        c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" + topic +
+                             "\": cleaned it would be " + std::to_string(text.size()) + " characters long")
+              << '\n';
         return text;
     };
     std::size_t mark = c.logged.size();
@@ -329,7 +332,11 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         try {
             return command.run(c);
         } catch (const CliError& e) {
-            err << "quillon: " << e.what() << "\n";
+            err << "quillon: " << forTerminal(e.what()) << "\n";
+            return 1;
+        } catch (const std::bad_alloc&) {
+            std::string file = parsed.positional.empty() ? std::string() : " \"" + parsed.positional[0] + "\"";
+            err << "quillon: Not enough memory to " << command.name << forTerminal(file) << ".\n";
             return 1;
         }
     }

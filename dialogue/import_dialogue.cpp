@@ -173,7 +173,7 @@ void importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, b
         reportImportError(session, dialogs,
                           "The file has been edited incorrectly. Current offset: 0x" + std::string(offset) +
                               ". Required ID: " + session.store.INFO[import.current()].INAM +
-                              ". Found ID: " + import.foundId());
+                              ". Found ID: " + readableExcerpt(import.foundId()));
     }
 }
 

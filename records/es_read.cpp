@@ -75,6 +75,11 @@ std::string loadFile(const std::string& path, std::string& error) {
         error = "it is a folder, not a file";
         return {};
     }
+    // A pipe would block the read forever and a device could be endless: only ordinary files.
+    if (!fs::is_regular_file(status)) {
+        error = "it is not an ordinary file";
+        return {};
+    }
     std::FILE* f = std::fopen(path.c_str(), "rb");
     if (!f) {
         error = "the file cannot be opened";

@@ -1,6 +1,8 @@
 // What a user sees for each kind of bad input: a clear message or log line, never a crash, and
 // never a damaged file on disk.
 #include "app/file_commands.h"
+#include "app/text.h"
+#include "cli/cli_dialogs.h"
 #include "dialogue/dialogue_commands.h"
 #include "helpers.h"
 #include "npclist/npc_list.h"
@@ -9,6 +11,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -140,4 +143,48 @@ TEST(BadInput, SavingThroughALinkKeepsTheLink) {
     ASSERT_TRUE(Save(s, d));
     EXPECT_TRUE(std::filesystem::is_symlink(dir.file("link.esp")));
     EXPECT_NE(readAll(real).find("Howdy"), std::string::npos);
+}
+
+TEST(BadInput, SpecialFilesAreRefusedWithoutBlocking) {
+    TempDir dir;
+    ::mkfifo(dir.file("pipe.esp").c_str(), 0644);
+    std::filesystem::create_symlink("/dev/zero", dir.file("zero.esp"));
+    for (const char* name : {"pipe.esp", "zero.esp"}) {
+        Session s;
+        ScriptedDialogs d;
+        EXPECT_LT(openPath(s, d, dir.file(name)), 0) << name;
+        EXPECT_EQ(d.messages.back(), "Cannot read \"" + std::string(name) + "\": it is not an ordinary file.");
+    }
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("p.esp", plugin()));
+    EXPECT_FALSE(saveAsPath(s, d, dir.file("pipe.esp"))); // opening the pipe to create it would block
+    EXPECT_EQ(lastLog(s), "-Nothing has been written.");
+    EXPECT_TRUE(std::filesystem::is_fifo(dir.file("pipe.esp")));
+}
+
+TEST(BadInput, LongTargetNamesSaveAndLeaveNoTemporaryFile) {
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("p.esp", plugin()));
+    std::string longName = std::string(250, 'n') + ".esp"; // 254 bytes: the name limit is 255
+    ASSERT_TRUE(saveAsPath(s, d, dir.file(longName)));
+    EXPECT_EQ(splitRecords(readAll(dir.file(longName))).back(), splitRecords(plugin()).back());
+    for (const auto& entry : std::filesystem::directory_iterator(dir.file("")))
+        EXPECT_EQ(entry.path().filename().string().find(".quillon"), std::string::npos);
+}
+
+TEST(BadInput, TextsFromFilesAreShownSafely) {
+    EXPECT_EQ(forTerminal("tag \x1b[2J\r\nnext\tline\x7f"), "tag \\x1b[2J\nnext\tline\\x7f");
+    EXPECT_EQ(readableExcerpt(std::string(100, 'x'), 10), "xxxxxxxxxx... (100 characters)");
+    EXPECT_EQ(readableExcerpt("short"), "short");
+    // A mismatched import line of any length is named by its start and length.
+    Session s;
+    ScriptedDialogs d;
+    TempDir dir;
+    openPath(s, d, dir.write("p.esp", plugin()));
+    importDialogueFrom(s, d, dir.write("t.txt", "\"" + std::string(5000000, 'z') + "\"\r\n"));
+    EXPECT_LT(d.messages.back().size(), 300u);
+    EXPECT_NE(d.messages.back().find("(5,000,000 characters)"), std::string::npos);
 }

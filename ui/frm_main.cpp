@@ -25,6 +25,7 @@
 #include <QVBoxLayout>
 
 #include <cstdlib>
+#include <new>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -256,7 +257,14 @@ void FrmMain::refresh() {
 }
 
 void FrmMain::run(const std::function<void()>& command) {
-    command();
+    try {
+        command();
+    } catch (const std::bad_alloc&) {
+        // The window and whatever the session still holds stay; only the command ends.
+        dialogs_->message("Not enough memory to finish the command. The work open here is kept; save it under a "
+                          "new name if it was changed.",
+                          Buttons::Ok, Icon::Critical, "");
+    }
     refresh();
 }
 

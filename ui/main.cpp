@@ -3,6 +3,7 @@
 
 #include <QApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -17,6 +18,7 @@ int main(int argc, char** argv) {
                     "The command-line twin is quillon (see quillon --help).\n");
         return 0;
     }
+    std::signal(SIGXFSZ, SIG_IGN); // a write past a file-size limit fails and is reported
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     quillon::Session session;

@@ -39,8 +39,17 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes,
     if (fs::exists(status) && !fs::is_regular_file(status))
         return "\"" + target.filename().string() + "\" is not an ordinary file";
     fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    std::string pattern = (folder / ("." + target.filename().string() + ".quillon-XXXXXX")).string();
+    // A short name, so that a target whose own name is near the limit can still be written.
+    std::string pattern = (folder / ".quillon-XXXXXX").string();
+#ifdef O_TMPFILE
+    // Unnamed until complete: a crash or a kill leaves nothing behind.
+    int fd = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    bool unnamed = fd >= 0;
+    if (!unnamed) fd = ::mkstemp(pattern.data());
+#else
+    bool unnamed = false;
     int fd = ::mkstemp(pattern.data());
+#endif
     if (fd < 0) {
         reported = errno;
         return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
@@ -70,10 +79,22 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes,
         left -= std::size_t(n);
     }
     if (!error && ::fsync(fd) != 0) error = errno;
+    bool named = !unnamed;
+    if (!error && unnamed) {
+        // Named only now, under a fresh temporary name, then renamed over the target.
+        std::string self = "/proc/self/fd/" + std::to_string(fd);
+        for (int attempt = 0; !named && !error; ++attempt) {
+            pattern = (folder / (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt))).string();
+            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, pattern.c_str(), AT_SYMLINK_FOLLOW) == 0)
+                named = true;
+            else if (errno != EEXIST || attempt == 100)
+                error = errno;
+        }
+    }
     if (::close(fd) != 0 && !error) error = errno;
     if (!error && ::rename(pattern.c_str(), target.c_str()) != 0) error = errno;
     if (error) {
-        ::unlink(pattern.c_str());
+        if (named) ::unlink(pattern.c_str());
         reported = error;
         return describe(error);
     }
