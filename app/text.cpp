@@ -1,5 +1,7 @@
 #include "app/text.h"
 
+#include "writer/byte_sink.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -98,12 +100,7 @@ std::string foldedKey(std::string_view text) {
 
 std::string readableExcerpt(std::string_view text, std::size_t limit) {
     if (text.size() <= limit) return std::string(text);
-    std::string digits = std::to_string(text.size()), grouped;
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (i > 0 && (digits.size() - i) % 3 == 0) grouped += ',';
-        grouped += digits[i];
-    }
-    return std::string(text.substr(0, limit)) + "... (" + grouped + " characters)";
+    return std::string(text.substr(0, limit)) + "... (" + groupedNumber(std::int64_t(text.size())) + " characters)";
 }
 
 } // namespace quillon

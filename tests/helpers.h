@@ -3,6 +3,7 @@
 // temporary folders.
 #include "app/dialogs.h"
 #include "app/session.h"
+#include "records/es_read.h"
 #include "records/prompts.h"
 #include "tools/record_builder.h"
 
@@ -96,6 +97,15 @@ public:
         return r;
     }
 };
+
+// The store a data file's bytes read into, every question answered Yes.
+inline RecordStore readStore(const std::string& bytes) {
+    RecordStore store;
+    ScriptedPrompts prompts;
+    std::int32_t count = 0;
+    ReadESBuffer(store, bytes, count, true, prompts);
+    return store;
+}
 
 // The newest line of the session's log.
 inline std::string lastLog(const Session& s) {

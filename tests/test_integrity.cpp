@@ -15,14 +15,6 @@ using namespace quillon::test;
 
 namespace {
 
-RecordStore readStore(const std::string& bytes) {
-    RecordStore store;
-    ScriptedPrompts prompts;
-    std::int32_t count = 0;
-    ReadESBuffer(store, bytes, count, true, prompts);
-    return store;
-}
-
 // The records of a file written back from bytes, header included.
 Serialised rewrite(const std::string& bytes, bool repairing = false) {
     RecordStore store = readStore(bytes);

@@ -14,14 +14,6 @@ std::string tags(const std::vector<std::string>& recs) {
     return out;
 }
 
-RecordStore readStore(const std::string& bytes) {
-    RecordStore store;
-    ScriptedPrompts prompts;
-    std::int32_t count = 0;
-    ReadESBuffer(store, bytes, count, true, prompts);
-    return store;
-}
-
 // Reads the records, writes them back as a plugin and returns the records after the header.
 std::vector<std::string> rewrite(std::initializer_list<std::string> input, std::int32_t fileType = 0) {
     RecordStore store = readStore(file(0, input));

@@ -22,7 +22,8 @@ std::string groupedNumber(std::int64_t n);
 class ByteSink {
 public:
     ByteSink() = default;
-    explicit ByteSink(bool repairing, const EditNotes* notes = nullptr) : repairing_(repairing), notes_(notes) {}
+    explicit ByteSink(bool repairing, const EditNotes* notes = nullptr)
+        : repairing_(repairing), notes_(notes) {}
 
     std::string& bytes() { return out_; }
     // True when damaged records are written so that they frame.
