@@ -14,28 +14,32 @@ bool equalsIgnoreCase(std::string_view a, std::string_view b) {
     return true;
 }
 
-std::size_t findIgnoreCase(std::string_view hay, std::string_view needle, std::size_t from) {
-    if (needle.empty()) return from <= hay.size() ? from : std::string_view::npos;
-    if (needle.size() > hay.size() || from > hay.size() - needle.size()) return std::string_view::npos;
-    // Candidates are found by their first byte in either case; only those are compared in full.
-    const char lower = char(foldCase(static_cast<unsigned char>(needle[0])));
-    const char upper = char(upperCase(static_cast<unsigned char>(lower)));
-    const std::string_view rest = needle.substr(1);
-    const char* begin = hay.data();
-    const char* end = begin + (hay.size() - needle.size()) + 1; // candidates start before this
-    auto next = [&](char c, const char* at) {
-        const void* found = std::memchr(at, c, std::size_t(end - at));
-        return found ? static_cast<const char*>(found) : end;
-    };
-    const char* nextLower = next(lower, begin + from);
-    const char* nextUpper = lower == upper ? end : next(upper, begin + from);
-    while (nextLower != end || nextUpper != end) {
-        const char* at = std::min(nextLower, nextUpper);
-        if (equalsIgnoreCase(std::string_view(at + 1, rest.size()), rest)) return std::size_t(at - begin);
-        if (at == nextLower) nextLower = next(lower, at + 1);
-        if (at == nextUpper) nextUpper = next(upper, at + 1);
+CaselessFinder::CaselessFinder(std::string_view hay, std::string_view needle)
+    : hay_(hay), rest_(needle.substr(1)), lower_(char(foldCase(static_cast<unsigned char>(needle[0])))),
+      upper_(char(upperCase(static_cast<unsigned char>(lower_)))),
+      end_(hay.size() >= needle.size() ? hay.size() - needle.size() + 1 : 0) {}
+
+std::size_t CaselessFinder::find(std::size_t from) {
+    if (from >= end_) return std::string_view::npos;
+    if (nextLower_ == kUnknown || nextLower_ < from) nextLower_ = next(lower_, from);
+    if (nextUpper_ == kUnknown || nextUpper_ < from) nextUpper_ = lower_ == upper_ ? end_ : next(upper_, from);
+    while (nextLower_ != end_ || nextUpper_ != end_) {
+        std::size_t at = std::min(nextLower_, nextUpper_);
+        if (equalsIgnoreCase(hay_.substr(at + 1, rest_.size()), rest_)) return at;
+        if (at == nextLower_) nextLower_ = next(lower_, at + 1);
+        if (at == nextUpper_) nextUpper_ = next(upper_, at + 1);
     }
     return std::string_view::npos;
+}
+
+std::size_t CaselessFinder::next(char c, std::size_t at) const {
+    const void* found = std::memchr(hay_.data() + at, c, end_ - at);
+    return found ? std::size_t(static_cast<const char*>(found) - hay_.data()) : end_;
+}
+
+std::size_t findIgnoreCase(std::string_view hay, std::string_view needle, std::size_t from) {
+    if (needle.empty()) return from <= hay.size() ? from : std::string_view::npos;
+    return CaselessFinder(hay, needle).find(from);
 }
 
 bool containsIgnoreCase(std::string_view hay, std::string_view needle) {
@@ -44,12 +48,13 @@ bool containsIgnoreCase(std::string_view hay, std::string_view needle) {
 
 std::size_t replaceAllIgnoreCase(std::string& text, std::string_view search, std::string_view replacement) {
     if (search.empty()) return 0;
-    std::size_t at = findIgnoreCase(text, search);
+    CaselessFinder finder(text, search);
+    std::size_t at = finder.find(0);
     if (at == std::string::npos) return 0;
     std::string out;
     out.reserve(text.size());
     std::size_t from = 0, count = 0;
-    for (; at != std::string::npos; at = findIgnoreCase(text, search, from)) {
+    for (; at != std::string::npos; at = finder.find(from)) {
         out.append(text, from, at - from);
         out.append(replacement);
         from = at + search.size();

@@ -36,6 +36,26 @@ bool equalsIgnoreCase(std::string_view a, std::string_view b);
 // Position of needle in hay at or after from, ignoring case; npos when absent.
 std::size_t findIgnoreCase(std::string_view hay, std::string_view needle, std::size_t from = 0);
 bool containsIgnoreCase(std::string_view hay, std::string_view needle);
+
+// Finds a non-empty needle again and again, ignoring case, at rising positions of a text that
+// does not change meanwhile. Candidates are found by their first byte in either case, and the
+// next place of each case is kept between searches, so that a case the text lacks is looked for
+// once, not once per hit: a whole walk is linear.
+class CaselessFinder {
+public:
+    CaselessFinder(std::string_view hay, std::string_view needle);
+    // The first match at or after from; npos when there is none.
+    std::size_t find(std::size_t from);
+
+private:
+    std::size_t next(char c, std::size_t at) const;
+
+    static constexpr std::size_t kUnknown = std::string_view::npos;
+    std::string_view hay_, rest_;
+    char lower_, upper_;
+    std::size_t end_; // candidates start before this
+    std::size_t nextLower_ = kUnknown, nextUpper_ = kUnknown;
+};
 // Replaces every occurrence of search (ignoring case), left to right, without rescanning what
 // was inserted. Returns the number of replacements.
 std::size_t replaceAllIgnoreCase(std::string& text, std::string_view search, std::string_view replacement);

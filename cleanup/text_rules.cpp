@@ -39,6 +39,8 @@ public:
         }
     }
     bool contains(std::string_view search) const { return mayHold(search) && containsIgnoreCase(text_, search); }
+    // Bytes that a change made through str() may have added.
+    void noteAdded(std::string_view added) { note(added); }
 
 private:
     bool mayHold(std::string_view search) const {
@@ -110,6 +112,25 @@ void punctuationSpacing(Text& t) {
 // A blank before every opening and after every closing quote. The parity lives across the
 // whole command, so an odd count of quotes makes the next response start with a closing one.
 void quoteSpacing(Text& t, bool& parity) {
+    if (!t.contains("\"")) return;
+    // Without a marker the writer typed, every marker stands between two blanks and the loop
+    // below turns them into quotes in text order, alternately " \"" (opening) and "\" " (closing):
+    // done so in one pass, since the loop rescans the text once per quote mark.
+    if (!t.contains(kQuoteMarker)) {
+        std::string out;
+        out.reserve(t.str().size() + t.str().size() / 8);
+        for (char c : t.str()) {
+            if (c != '"') {
+                out += c;
+                continue;
+            }
+            out += parity ? "\" " : " \"";
+            parity = !parity;
+        }
+        t.str().swap(out);
+        t.noteAdded(" ");
+        return;
+    }
     t.all("\"", std::string(" ") + kQuoteMarker + " ");
     std::string opening = std::string(kQuoteMarker) + " ", closing = std::string(" ") + kQuoteMarker;
     while (t.contains(kQuoteMarker)) {
@@ -189,13 +210,15 @@ void addRuns(const std::string& text, std::size_t from, std::size_t to, RunSet& 
 // Replaces every occurrence as replaceAllIgnoreCase does and adds to runs those the inserted
 // texts make, so that runs still holds every run of the text (and perhaps some it lost).
 void replaceRow(std::string& text, const PreparedRow& row, RunSet& runs) {
-    std::size_t at = findIgnoreCase(text, row.search);
+    if (row.search.empty()) return;
+    CaselessFinder finder(text, row.search);
+    std::size_t at = finder.find(0);
     if (at == std::string::npos) return;
     std::string out;
     out.reserve(text.size() + row.replacement.size());
     std::vector<std::size_t> inserted;
     std::size_t from = 0;
-    for (; at != std::string::npos; at = findIgnoreCase(text, row.search, from)) {
+    for (; at != std::string::npos; at = finder.find(from)) {
         out.append(text, from, at - from);
         inserted.push_back(out.size());
         out.append(row.replacement);
