@@ -137,10 +137,19 @@ int importCommand(Context& c) {
 int loopsCommand(Context& c) {
     if (!openInput(c)) return 1;
     int found = 0;
+    // Every finding of one script and choice names the same line: the script (the record's own
+    // text, which the command line never changes) is parsed once.
+    const std::string* parsedScript = nullptr;
+    std::int32_t parsedChoice = 0;
+    std::vector<std::string> lines;
     c.dialogs.loopFix = [&](const std::string& actor, const std::string& topic, const std::string& text,
                             const std::string& result, std::int32_t choice) {
         ++found;
-        std::vector<std::string> lines = linesOfferingChoice(result, choice);
+        if (&result != parsedScript || choice != parsedChoice) {
+            lines = linesOfferingChoice(result, choice);
+            parsedScript = &result;
+            parsedChoice = choice;
+        }
         c.out << forTerminal("actor \"" + actor + "\", topic \"" + topic + "\", choice " + std::to_string(choice) +
                              ": " + (lines.empty() ? std::string() : lines.front()))
               << '\n';

@@ -60,10 +60,14 @@ namespace {
 // Offers every finding for fixing; false when the user cancelled.
 bool checkAll(Session& session, Dialogs& dialogs) {
     for (InfoRecord& r : session.store.INFO) {
+        std::vector<std::string> lines;
+        bool linesCurrent = false; // parsed once per script, again only after an accepted fix
         for (const InfoCondition& c : r.Conditions) {
             if (!isChoiceCondition(c) || r.BNAM.size() <= 5) continue;
+            if (!linesCurrent) lines = scriptLines(r.BNAM);
+            linesCurrent = true;
             // The lines of the script as it was before any fix accepted below.
-            for (const std::string& line : scriptLines(r.BNAM)) {
+            for (const std::string& line : lines) {
                 if (!offersChoice(line, c.INTV)) continue;
                 LoopFix fix = dialogs.fixLoop(r.ONAM, r.Topic, r.NAME, r.BNAM, c.INTV);
                 if (fix.status == 0) {
@@ -73,6 +77,7 @@ bool checkAll(Session& session, Dialogs& dialogs) {
                         session.store.editNotes[&r] =
                             "response text changed by the loop fix without its sizes";
                     r.NAME = fix.text;
+                    linesCurrent = linesCurrent && fix.result == r.BNAM;
                     r.BNAM = fix.result;
                 } else if (fix.status == 1) {
                     return false;
