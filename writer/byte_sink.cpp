@@ -1,5 +1,7 @@
 #include "writer/byte_sink.h"
 
+#include <climits>
+
 namespace quillon {
 
 namespace {
@@ -42,6 +44,7 @@ void ByteSink::closeRecord() {
             auto fixed = std::int32_t(length - 16);
             std::memcpy(out_.data() + open_.start + 4, &fixed, 4);
         } else {
+            if (length - 16 > std::size_t(INT32_MAX)) repairable_ = false;
             damaged_.push_back({tagText(open_.tag), id_.empty() ? writtenId() : id_, open_.offset,
                                 damageCause(length, recordBad ? kNone : badSub)});
         }

@@ -3,6 +3,7 @@
 #include "records/prompts.h"
 #include "records/record_store.h"
 #include "records/tags.h"
+#include "writer/safe_file.h"
 
 #include <cstring>
 #include <string>
@@ -22,16 +23,24 @@ std::string groupedNumber(std::int64_t n);
 class ByteSink {
 public:
     ByteSink() = default;
-    explicit ByteSink(bool repairing, const EditNotes* notes = nullptr)
-        : repairing_(repairing), notes_(notes) {}
+    // With a drain, finished records are handed on in chunks rather than kept: memory stays
+    // bounded however large the output.
+    explicit ByteSink(bool repairing, const EditNotes* notes = nullptr, SafeFileWriter* drain = nullptr)
+        : repairing_(repairing), notes_(notes), drain_(drain) {}
 
     std::string& bytes() { return out_; }
     // True when damaged records are written so that they frame.
     bool repairing() const { return repairing_; }
     // Ends the last record; call once everything is written.
-    void finish() { closeRecord(); }
+    void finish() {
+        closeRecord();
+        drain(0);
+    }
     // The records that would be written damaged, in file order.
     const std::vector<DamagedRecord>& damaged() const { return damaged_; }
+    // False when a repair could not make every damaged record frame (one longer than a size word
+    // can say).
+    bool repairable() const { return repairable_; }
     // Why the record being written will not frame, when the writer knows better than its sizes.
     void explain(std::string cause) { cause_ = std::move(cause); }
     // The record's ID when its written bytes do not show it.
@@ -49,6 +58,7 @@ public:
     // The record tag and the three stored header words; the previous record ends here.
     void header(Tag t, const RecordHeader& r) {
         closeRecord();
+        drain(kDrainAt);
         open_ = Open{out_.size(), t, r.Size, r.Offset, &r};
         isOpen_ = true;
         tag(t);
@@ -104,13 +114,22 @@ private:
         std::uint32_t offset = 0;
         const RecordHeader* record = nullptr;
     };
+    static constexpr std::size_t kDrainAt = 4 << 20;
     void closeRecord();
+    // Hands the finished bytes to the drain once at least atLeast of them are waiting.
+    void drain(std::size_t atLeast) {
+        if (!drain_ || out_.size() < atLeast || out_.empty()) return;
+        drain_->write(out_);
+        out_.clear();
+    }
     std::string damageCause(std::size_t length, std::size_t badSub) const;
     std::string writtenId() const;
 
     std::string out_;
     bool repairing_ = false;
     const EditNotes* notes_ = nullptr;
+    SafeFileWriter* drain_ = nullptr;
+    bool repairable_ = true;
     Open open_;
     bool isOpen_ = false;
     std::vector<std::size_t> subs_; // where each sub-record of the open record starts

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 
 namespace quillon {
 
@@ -46,10 +47,11 @@ std::int32_t fileTypeFor(const std::string& path) {
     return 0;
 }
 
-Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts,
-                            bool repairing) {
-    ByteSink out(repairing, &store.editNotes);
-    out.bytes().reserve(estimatedSize(store));
+namespace {
+
+// Every record of the store through out, in the file's type order.
+void serialiseInto(ByteSink& out, RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
+                   Prompts& prompts) {
     std::int32_t written = 0;
     const RecordStore& s = store;
     writeAll(s.TES3, written, [&](auto& r) { WriteTes3Record(out, r, recordCount, fileType); });
@@ -70,6 +72,15 @@ Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::i
         writeAll(*raw, written, [&](auto& r) { WriteRawRecord(out, r); });
     writeAll(s.Unknown, written, [&](auto& r) { WriteUnknownRecord(out, r); });
     out.finish();
+}
+
+} // namespace
+
+Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts,
+                            bool repairing) {
+    ByteSink out(repairing, &store.editNotes);
+    out.bytes().reserve(estimatedSize(store));
+    serialiseInto(out, store, recordCount, fileType, prompts);
     return {std::move(out.bytes()), out.damaged()};
 }
 
@@ -97,19 +108,25 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
                     false) != Reply::Yes)
         return {WriteResult::Declined, 0, {}};
     Clock::time_point start = Clock::now();
-    Serialised out = serialiseChecked(store, recordCount, fileType, prompts, false);
-    if (!out.damaged.empty()) {
-        Serialised repaired = serialiseChecked(store, recordCount, fileType, prompts, true);
-        DamageReport report{std::filesystem::path(path).filename().string(), std::move(out.damaged),
-                            repaired.damaged.empty() && framesThroughout(repaired.bytes)};
+    // Written straight to a temporary file as it is made; replacing the target waits for the check.
+    auto file = std::make_unique<SafeFileWriter>(path);
+    ByteSink out(false, &store.editNotes, file.get());
+    serialiseInto(out, store, recordCount, fileType, prompts);
+    if (!file->error().empty()) return {WriteResult::Failed, 0, file->error()};
+    if (!out.damaged().empty()) {
+        DamageReport report{std::filesystem::path(path).filename().string(), out.damaged(), out.repairable()};
         Clock::time_point asked = Clock::now();
         DamageChoice choice = prompts.damagedOutput(report);
         start += Clock::now() - asked; // the time spent on the question is not the writer's
         if (choice == DamageChoice::WriteNothing || (choice == DamageChoice::Repair && !report.repairable))
             return {WriteResult::Refused, 0, {}};
-        if (choice == DamageChoice::Repair) out.bytes = std::move(repaired.bytes);
+        if (choice == DamageChoice::Repair) {
+            file = std::make_unique<SafeFileWriter>(path);
+            ByteSink repaired(true, &store.editNotes, file.get());
+            serialiseInto(repaired, store, recordCount, fileType, prompts);
+        }
     }
-    std::string error = replaceFileSafely(path, out.bytes);
+    std::string error = file->commit();
     double ms = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     if (!error.empty()) return {WriteResult::Failed, ms, error};
     return {WriteResult::Written, ms, {}};

@@ -2,32 +2,19 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
-#ifndef _WIN32
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#endif
 
 namespace quillon {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string describe(int error) { return std::strerror(error); }
-
-} // namespace
-
-#ifndef _WIN32
-std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError) {
-    int ignored = 0;
-    int& reported = systemError ? *systemError : ignored;
-    reported = 0;
+SafeFileWriter::SafeFileWriter(const std::string& path) {
     fs::path target(path);
     std::error_code ec;
     // A link is followed, so that the file it names is replaced and the link stays.
@@ -35,90 +22,90 @@ std::string replaceFileSafely(const std::string& path, const std::string& bytes,
         fs::path resolved = fs::canonical(target, ec);
         if (!ec) target = resolved;
     }
+    target_ = target.string();
     fs::file_status status = fs::status(target, ec);
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        return "\"" + target.filename().string() + "\" is not an ordinary file";
-    fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    // A short name, so that a target whose own name is near the limit can still be written.
-    std::string pattern = (folder / ".quillon-XXXXXX").string();
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        fail(0, "\"" + target.filename().string() + "\" is not an ordinary file");
+        return;
+    }
+    folder_ = target.has_parent_path() ? target.parent_path().string() : std::string(".");
 #ifdef O_TMPFILE
-    // Unnamed until complete: a crash or a kill leaves nothing behind.
-    int fd = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    bool unnamed = fd >= 0;
-    if (!unnamed) fd = ::mkstemp(pattern.data());
-#else
-    bool unnamed = false;
-    int fd = ::mkstemp(pattern.data());
+    fd_ = ::open(folder_.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    unnamed_ = fd_ >= 0;
 #endif
-    if (fd < 0) {
-        reported = errno;
-        return "cannot create a file in \"" + folder.string() + "\": " + describe(errno);
+    if (fd_ < 0) {
+        // A short name, so that a target whose own name is near the limit can still be written.
+        tempName_ = (fs::path(folder_) / ".quillon-XXXXXX").string();
+        fd_ = ::mkstemp(tempName_.data());
+        named_ = fd_ >= 0;
+    }
+    if (fd_ < 0) {
+        fail(errno, "cannot create a file in \"" + folder_ + "\": " + std::strerror(errno));
+        return;
     }
     // Keep the old file's permissions; a new file gets the usual ones.
     struct stat old {};
-    mode_t mode = ::stat(target.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
-    ::fchmod(fd, mode);
+    mode_t mode = ::stat(target_.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
+    ::fchmod(fd_, mode);
+}
+
+SafeFileWriter::~SafeFileWriter() {
+    if (fd_ >= 0) ::close(fd_);
+    if (named_) ::unlink(tempName_.c_str());
+}
+
+void SafeFileWriter::fail(int systemError, std::string text) {
+    if (!error_.empty()) return;
+    systemError_ = systemError;
+    error_ = std::move(text);
+}
+
+bool SafeFileWriter::write(std::string_view bytes) {
     // Written in chunks, each handed to the disk at once, so that a big file never piles up as
     // dirty pages that the system would then make the writer wait for.
     constexpr std::size_t kChunk = 8 << 20;
-    const char* p = bytes.data();
-    std::size_t left = bytes.size(), written = 0;
-    int error = 0;
-    while (left > 0) {
-        ssize_t n = ::write(fd, p, std::min(left, kChunk));
+    while (error_.empty() && !bytes.empty()) {
+        ssize_t n = ::write(fd_, bytes.data(), std::min(bytes.size(), kChunk));
         if (n < 0) {
-            if (errno == EINTR) continue;
-            error = errno;
-            break;
+            if (errno != EINTR) fail(errno, std::strerror(errno));
+            continue;
         }
 #ifdef __linux__
-        ::sync_file_range(fd, off_t(written), off_t(n), SYNC_FILE_RANGE_WRITE);
+        ::sync_file_range(fd_, off_t(written_), off_t(n), SYNC_FILE_RANGE_WRITE);
 #endif
-        p += n;
-        written += std::size_t(n);
-        left -= std::size_t(n);
+        bytes.remove_prefix(std::size_t(n));
+        written_ += std::size_t(n);
     }
-    if (!error && ::fsync(fd) != 0) error = errno;
-    bool named = !unnamed;
-    if (!error && unnamed) {
+    return error_.empty();
+}
+
+std::string SafeFileWriter::commit() {
+    if (error_.empty() && ::fsync(fd_) != 0) fail(errno, std::strerror(errno));
+    if (error_.empty() && unnamed_) {
         // Named only now, under a fresh temporary name, then renamed over the target.
-        std::string self = "/proc/self/fd/" + std::to_string(fd);
-        for (int attempt = 0; !named && !error; ++attempt) {
-            pattern = (folder / (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt))).string();
-            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, pattern.c_str(), AT_SYMLINK_FOLLOW) == 0)
-                named = true;
+        std::string self = "/proc/self/fd/" + std::to_string(fd_);
+        for (int attempt = 0; !named_ && error_.empty(); ++attempt) {
+            tempName_ = (fs::path(folder_) / (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt)))
+                            .string();
+            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, tempName_.c_str(), AT_SYMLINK_FOLLOW) == 0)
+                named_ = true;
             else if (errno != EEXIST || attempt == 100)
-                error = errno;
+                fail(errno, std::strerror(errno));
         }
     }
-    if (::close(fd) != 0 && !error) error = errno;
-    if (!error && ::rename(pattern.c_str(), target.c_str()) != 0) error = errno;
-    if (error) {
-        if (named) ::unlink(pattern.c_str());
-        reported = error;
-        return describe(error);
-    }
-    return {};
+    if (fd_ >= 0 && ::close(fd_) != 0) fail(errno, std::strerror(errno));
+    fd_ = -1;
+    if (error_.empty() && ::rename(tempName_.c_str(), target_.c_str()) != 0) fail(errno, std::strerror(errno));
+    if (error_.empty()) named_ = false; // the temporary name is now the target's
+    return error_;
 }
-#else
+
 std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError) {
-    if (systemError) *systemError = 0;
-    fs::path target(path);
-    fs::path temp = target;
-    temp += ".quillon-new";
-    std::FILE* f = std::fopen(temp.string().c_str(), "wb");
-    if (!f) return "cannot create \"" + temp.string() + "\"";
-    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    ok = std::fflush(f) == 0 && ok;
-    ok = std::fclose(f) == 0 && ok;
-    std::error_code ec;
-    if (ok) fs::rename(temp, target, ec);
-    if (!ok || ec) {
-        fs::remove(temp, ec);
-        return "the file could not be written";
-    }
-    return {};
+    SafeFileWriter file(path);
+    file.write(bytes);
+    std::string error = file.commit();
+    if (systemError) *systemError = file.systemError();
+    return error;
 }
-#endif
 
 } // namespace quillon

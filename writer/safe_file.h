@@ -1,12 +1,42 @@
 #pragma once
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
-// Replaces the file at path with bytes: writes a temporary file in the same folder, flushes it to
-// disk and renames it over the target. On failure the old file is untouched and the returned
-// text says what went wrong, and systemError (when given) the system's error number, or 0 when
-// the target is refused for not being an ordinary file; on success the text is empty.
+// Replaces the file at path in steps: bytes are written to a temporary file in the same folder
+// (unnamed where the system allows, so that a crash leaves nothing behind) and handed to the disk
+// as they come; commit() flushes it and renames it over the target. Until then, and on any
+// failure, the old file is untouched; a writer dropped without commit() leaves no trace.
+class SafeFileWriter {
+public:
+    explicit SafeFileWriter(const std::string& path);
+    ~SafeFileWriter();
+    SafeFileWriter(const SafeFileWriter&) = delete;
+    SafeFileWriter& operator=(const SafeFileWriter&) = delete;
+
+    // False once anything failed; what failed is then in error().
+    bool write(std::string_view bytes);
+    // Puts the file in place; empty on success, else what went wrong.
+    std::string commit();
+    const std::string& error() const { return error_; }
+    // The system's error number of the failure, or 0 (also when the target is refused for not
+    // being an ordinary file).
+    int systemError() const { return systemError_; }
+
+private:
+    void fail(int systemError, std::string text);
+
+    std::string target_, folder_, tempName_;
+    int fd_ = -1;
+    bool unnamed_ = false, named_ = false;
+    std::size_t written_ = 0;
+    std::string error_;
+    int systemError_ = 0;
+};
+
+// The whole replacement at once: the returned text says what went wrong (empty on success), and
+// systemError, when given, the system's error number.
 std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError = nullptr);
 
 } // namespace quillon
