@@ -344,8 +344,8 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             err << "quillon: " << forTerminal(e.what()) << "\n";
             return 1;
         } catch (const std::bad_alloc&) {
-            std::string file = parsed.positional.empty() ? std::string() : " \"" + parsed.positional[0] + "\"";
-            err << "quillon: Not enough memory to " << command.name << forTerminal(file) << ".\n";
+            std::string file = parsed.positional.empty() ? std::string() : " on \"" + parsed.positional[0] + "\"";
+            err << "quillon: Not enough memory for " << command.name << forTerminal(file) << ".\n";
             return 1;
         }
     }
