@@ -38,7 +38,10 @@ std::vector<std::string> values(const Entry& e) {
 
 class Sheet {
 public:
-    Sheet(NpcListFormat format, const std::string& answer) : format_(format) { header(answer); }
+    // With a drain, the sheet is handed on in chunks as it grows rather than kept whole.
+    Sheet(NpcListFormat format, const std::string& answer, SafeFileWriter* drain) : format_(format), drain_(drain) {
+        header(answer);
+    }
 
     void cellHeader(const std::string& title) {
         switch (format_) {
@@ -70,6 +73,10 @@ public:
                         kBreak;
             out_ += std::string("<br>") + kBreak + "</li>" + kBreak;
             break;
+        }
+        if (drain_ && out_.size() >= (1 << 20)) {
+            drain_->write(out_);
+            out_.clear();
         }
     }
     void cellFooter() {
@@ -115,22 +122,25 @@ private:
     }
 
     NpcListFormat format_;
+    SafeFileWriter* drain_;
     std::string out_;
 };
 
+// The factions by folded ID, the first record of an ID winning, as a walk in store order would.
+using FactionIndex = std::unordered_map<std::string, const FactRecord*>;
+
 // The title of the NPC's rank in its faction, cut at its first NUL; empty when not found.
-std::string rankTitle(const RecordStore& store, const NpcRecord& npc) {
+std::string rankTitle(const FactionIndex& factions, const NpcRecord& npc) {
     unsigned rank = npc.NPDTSize == 12 ? npc.NPDTShort[4] : npc.NPDT[46];
-    for (const FactRecord& f : store.FACT) {
-        if (!equalsIgnoreCase(f.NAME, npc.ANAM)) continue;
-        return rank < f.Ranks.size() ? fixedText(f.Ranks[rank].RNAM) : std::string();
-    }
-    return {};
+    auto found = factions.find(foldedKey(npc.ANAM));
+    if (found == factions.end()) return {};
+    const FactRecord& f = *found->second;
+    return rank < f.Ranks.size() ? fixedText(f.Ranks[rank].RNAM) : std::string();
 }
 
-Entry entryFor(const RecordStore& store, const NpcRecord& npc) {
+Entry entryFor(const FactionIndex& factions, const NpcRecord& npc) {
     Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None"};
-    if (npc.ANAM.size() >= 2) e.faction = npc.ANAM + ", " + rankTitle(store, npc);
+    if (npc.ANAM.size() >= 2) e.faction = npc.ANAM + ", " + rankTitle(factions, npc);
     return e;
 }
 
@@ -160,13 +170,15 @@ bool isClone(const std::string& name) {
 }
 
 std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
-                         const std::string& answer, int& count) {
+                         const std::string& answer, int& count, SafeFileWriter* drain) {
     std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
     for (std::size_t i = 0; i < store.NPC_.size(); ++i)
         npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
+    FactionIndex factions;
+    for (const FactRecord& f : store.FACT) factions.emplace(foldedKey(f.NAME), &f);
 
     // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
-    Sheet sheet(format, answer);
+    Sheet sheet(format, answer, drain);
     count = 0;
     for (const CellRecord& cell : store.CELL) {
         if (!containsIgnoreCase(cell.NAME, answer)) continue;
@@ -179,7 +191,7 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
                 if (skipClones && isClone(npc.FNAM)) continue;
                 if (!listed) sheet.cellHeader(cellTitle(cell));
                 listed = true;
-                sheet.entry(entryFor(store, npc));
+                sheet.entry(entryFor(factions, npc));
                 ++count;
             }
         }
@@ -223,14 +235,14 @@ void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, boo
         session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");
     };
     int count = 0;
-    std::string sheet;
+    SafeFileWriter file(path);
     try {
-        sheet = npcListSheet(session.store, format, skipClones, answer, count);
+        file.write(npcListSheet(session.store, format, skipClones, answer, count, &file));
     } catch (const std::bad_alloc&) {
+        file.commit(); // what was written so far stays, as the message says
         return fail(FailureKind::OutOfMemory);
     }
-    int systemError = 0;
-    if (!replaceFileSafely(path, sheet, &systemError).empty()) return fail(writeFailureKind(systemError));
+    if (!file.commit().empty()) return fail(writeFailureKind(file.systemError()));
     if (count > 0)
         session.log.LogLine("-Listed " + std::to_string(count) + " NPCs in \"" + bareName(path) +
                             "\" successfully.");

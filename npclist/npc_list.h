@@ -1,5 +1,6 @@
 #pragma once
 #include "app/session.h"
+#include "writer/safe_file.h"
 
 #include <string>
 
@@ -15,8 +16,9 @@ extern const char* const kHomePage;
 void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
 
 // The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
+// With a drain, all but the returned tail has been written to it.
 std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones, const std::string& answer,
-                         int& count);
+                         int& count, SafeFileWriter* drain = nullptr);
 
 // True for the generic NPCs that the clones filter leaves out, by display name.
 bool isClone(const std::string& name);
