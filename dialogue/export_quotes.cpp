@@ -2,6 +2,7 @@
 #include "dialogue/dialogue_commands.h"
 #include "writer/safe_file.h"
 
+#include <functional>
 #include <unordered_map>
 
 namespace quillon {
@@ -44,6 +45,55 @@ std::string fillPlaceholders(std::string text, const Speaker& s) {
     replaceAllIgnoreCase(text, "%Faction", s.faction);
     replaceAllIgnoreCase(text, "%Name", s.name);
     return text;
+}
+
+// One placeholder's replacement as a stream of bytes drawn from the stage before it, matching as
+// replaceAllIgnoreCase does: leftmost first, never inside what was inserted.
+class Replacing {
+public:
+    Replacing(std::function<int()> source, std::string_view search, std::string_view replacement)
+        : source_(std::move(source)), search_(search), replacement_(replacement) {}
+
+    // The next byte, or -1 at the end.
+    int next() {
+        for (;;) {
+            if (inserted_ < insertion_.size()) return static_cast<unsigned char>(insertion_[inserted_++]);
+            while (ahead_.size() < search_.size()) {
+                int c = source_();
+                if (c < 0) break;
+                ahead_ += char(c);
+            }
+            if (ahead_.empty()) return -1;
+            if (ahead_.size() == search_.size() && equalsIgnoreCase(ahead_, search_)) {
+                ahead_.clear();
+                insertion_ = replacement_;
+                inserted_ = 0;
+                continue;
+            }
+            int c = static_cast<unsigned char>(ahead_.front());
+            ahead_.erase(0, 1);
+            return c;
+        }
+    }
+
+private:
+    std::function<int()> source_;
+    std::string_view search_, replacement_, insertion_;
+    std::size_t inserted_ = 0;
+    std::string ahead_;
+};
+
+// The first limit bytes of fillPlaceholders(text, s), expanding no further than they need: a
+// text of many placeholders and long names would otherwise grow a thousandfold before the cut.
+std::string fillPlaceholdersUpTo(std::string_view text, const Speaker& s, std::size_t limit) {
+    std::size_t at = 0;
+    Replacing cls([&] { return at < text.size() ? static_cast<unsigned char>(text[at++]) : -1; }, "%class", s.cls);
+    Replacing race([&] { return cls.next(); }, "%race", s.race);
+    Replacing faction([&] { return race.next(); }, "%Faction", s.faction);
+    Replacing name([&] { return faction.next(); }, "%Name", s.name);
+    std::string out;
+    for (int c; out.size() < limit && (c = name.next()) >= 0;) out += char(c);
+    return out;
 }
 
 // Asks for the export file; empty when cancelled.
@@ -129,7 +179,7 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
         // Values longer than their field are cut: the reader of the file relies on the widths.
         field(out, speaker, 32);
         field(out, city, 32);
-        field(out, fillPlaceholders(r.NAME, s), 512);
+        field(out, fillPlaceholdersUpTo(r.NAME, s, 512), 512);
     }
     finish(session, dialogs, path, out);
 }

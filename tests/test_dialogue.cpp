@@ -243,6 +243,28 @@ TEST(ExportQuotes, DeliberatelyReplacedWholeAndFailuresReported) {
     EXPECT_NE(f.dialogs.messages.back().find("could not be written"), std::string::npos);
 }
 
+// The quote file's text is the filled text cut to its field, found without filling all of it.
+TEST(ExportQuotes, KestrelTextIsTheFilledTextCutToItsField) {
+    std::string npc = Rec("NPC_")
+                          .z("NAME", "a")
+                          .z("FNAM", "the %RACE " + std::string(500, 'n')) // a name that holds a placeholder
+                          .z("RNAM", "Dark Elf")
+                          .z("CNAM", "%name")
+                          .bytes();
+    std::string text;
+    for (int i = 0; i < 3000; ++i) text += i % 3 ? "%Name %nAmE " : "%class, %Faction; %%race ";
+    Fixture f({{"1", "a", text}}, {npc});
+    f.dialogs.savePaths = {f.dir.file("q.xml")};
+    f.dialogs.inputs = {"Vivec"};
+    ExportQuotesXml(f.session, f.dialogs);
+    std::string xml = readAll(f.dir.file("q.xml"));
+    std::string filled = xml.substr(xml.find("<text>") + 6, 512);
+    f.dialogs.savePaths = {f.dir.file("q.kst")};
+    f.dialogs.inputs = {"Vivec"};
+    ExportQuotesKst(f.session, f.dialogs);
+    EXPECT_EQ(readAll(f.dir.file("q.kst")).substr(64, 512), filled);
+}
+
 TEST(Corpus, ExportThenImportChangesNothing) {
     QUILLON_NEED_CORPUS();
     for (const std::string& path : corpusFiles()) {
