@@ -107,6 +107,22 @@ inline RecordStore readStore(const std::string& bytes) {
     return store;
 }
 
+// A response of actor; with a script, shown on choice 1 and running script.
+inline std::string response(const std::string& id, const std::string& actor, const std::string& text,
+                            const std::string& script = "") {
+    Rec r("INFO");
+    r.z("INAM", id).sub("DATA", std::string(12, '\0')).z("ONAM", actor).text("NAME", text);
+    if (!script.empty()) r.sub("SCVR", scvr('0', '1', "50", '0')).i32("INTV", 1).text("BNAM", script);
+    return r.bytes();
+}
+
+// A plugin of one topic "T" with these responses.
+inline std::string oneTopic(std::initializer_list<std::string> responses) {
+    std::string bytes = file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()});
+    for (const std::string& r : responses) bytes += r;
+    return bytes;
+}
+
 // The newest line of the session's log.
 inline std::string lastLog(const Session& s) {
     std::string c = s.log.caption();

@@ -27,20 +27,6 @@ struct ExhaustedDialogs : ScriptedDialogs {
     }
 };
 
-std::string info(const std::string& id, const std::string& text, const std::string& script = "") {
-    Rec r("INFO");
-    r.z("INAM", id).sub("DATA", std::string(12, '\0')).z("ONAM", "npc").text("NAME", text);
-    if (!script.empty()) r.sub("SCVR", scvr('0', '1', "50", '0')).i32("INTV", 1).text("BNAM", script);
-    return r.bytes();
-}
-
-std::string dialogue(std::initializer_list<std::string> infos) {
-    std::string bytes = file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()});
-    for (const std::string& i : infos)
-        bytes += i;
-    return bytes;
-}
-
 } // namespace
 
 TEST(Failures, CleanUpEndsWithItsLineAndKeepsWhatWasDone) {
@@ -48,8 +34,8 @@ TEST(Failures, CleanUpEndsWithItsLineAndKeepsWhatWasDone) {
     Session s;
     ExhaustedDialogs d;
     openPath(s, d,
-             dir.write("m.esp", dialogue({info("1", "vivec ,here"), info("2", std::string(600, 'a') + ".x."),
-                                          info("3", "almsivi")})));
+             dir.write("m.esp", oneTopic({response("1", "npc", "vivec ,here"), response("2", "npc", std::string(600, 'a') + ".x."),
+                                          response("3", "npc", "almsivi")})));
     d.answers = {Answer::Yes}; // edit the over-long one by hand: the editor fails
     Morrowindize(s, d);
     EXPECT_EQ(lastLog(s), "-An error occured during dialogue clean-up.");
@@ -61,7 +47,7 @@ TEST(Failures, LoopDetectionNumbersItsFailure) {
     TempDir dir;
     Session s;
     ExhaustedDialogs d;
-    openPath(s, d, dir.write("l.esp", dialogue({info("1", "Again?", "Choice \"Again\" 1")})));
+    openPath(s, d, dir.write("l.esp", oneTopic({response("1", "npc", "Again?", "Choice \"Again\" 1")})));
     DetectLoops(s, d);
     EXPECT_EQ(d.messages.back(), "Quillon has encountered an error number #7: Out of memory.");
     EXPECT_EQ(lastLog(s), "-An error occured during loop detection.");

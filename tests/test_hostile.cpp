@@ -40,7 +40,8 @@ Ended runChild(const std::vector<std::string>& args, const std::string& errFile,
     int status = 0;
     rusage usage{};
     ::wait4(pid, &status, 0, &usage);
-    return {WIFEXITED(status), WIFEXITED(status) ? WEXITSTATUS(status) : -1, usage.ru_maxrss, readAll(errFile)};
+    return {WIFEXITED(status), WIFEXITED(status) ? WEXITSTATUS(status) : -1, usage.ru_maxrss,
+            readAll(errFile)};
 }
 
 bool sanitized() {
@@ -54,7 +55,9 @@ bool sanitized() {
     return false;
 }
 
-std::string header() { return Rec("TES3").sub("HEDR", hedr(0)).bytes(); }
+std::string header() {
+    return Rec("TES3").sub("HEDR", hedr(0)).bytes();
+}
 
 } // namespace
 
@@ -62,14 +65,20 @@ TEST(Hostile, OutputThatTheTopicRuleMakesQuadraticIsStreamed) {
     if (sanitized()) GTEST_SKIP() << "memory is not measured under the sanitizers";
     TempDir dir;
     std::string bytes = header();
-    for (int i = 0; i < 1500; ++i) bytes += Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes();
     for (int i = 0; i < 1500; ++i)
-        bytes += Rec("INFO").z("INAM", std::to_string(i)).sub("DATA", std::string(12, '\0')).text("NAME", "Hello").bytes();
+        bytes += Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes();
+    for (int i = 0; i < 1500; ++i)
+        bytes += Rec("INFO")
+                     .z("INAM", std::to_string(i))
+                     .sub("DATA", std::string(12, '\0'))
+                     .text("NAME", "Hello")
+                     .bytes();
     Ended r = runChild({"save", dir.write("q.esp", bytes), "-o", dir.file("out.esp")}, dir.file("err"));
     ASSERT_TRUE(r.exited);
     EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_GT(std::filesystem::file_size(dir.file("out.esp")), 100'000'000u); // every response after every topic
-    EXPECT_LT(r.peakKb, 64 * 1024);                                           // but never held whole
+    EXPECT_GT(std::filesystem::file_size(dir.file("out.esp")),
+              100'000'000u);        // every response after every topic
+    EXPECT_LT(r.peakKb, 64 * 1024); // but never held whole
 }
 
 TEST(Hostile, RunningOutOfMemoryEndsTheCommandWithAMessage) {
@@ -78,7 +87,8 @@ TEST(Hostile, RunningOutOfMemoryEndsTheCommandWithAMessage) {
     std::string bytes = header();
     std::string empty = Rec("NPC_").bytes(); // 16 bytes that become a whole actor structure
     bytes.reserve(bytes.size() + 32 * 1024 * 1024);
-    while (bytes.size() < 32 * 1024 * 1024) bytes += empty;
+    while (bytes.size() < 32 * 1024 * 1024)
+        bytes += empty;
     Ended r = runChild({"counts", dir.write("many.esp", bytes)}, dir.file("err"), rlim_t(512) << 20);
     ASSERT_TRUE(r.exited) << "ended by a signal";
     EXPECT_EQ(r.status, 1);
@@ -91,23 +101,17 @@ TEST(Hostile, RunningOutOfMemoryEndsTheCommandWithAMessage) {
 TEST(Hostile, CleanUpAndLoopsStayLinear) {
     TempDir dir;
     std::string line;
-    while (line.size() < 2'000'000) line += "Vivec said \"ALMSIVI...\" -- to the n'wah , yes?  ";
-    Ended cleaned = runChild({"morrowindize-text", "--all"}, dir.file("err"), 0, dir.write("in.txt", line + "\n"));
+    while (line.size() < 2'000'000)
+        line += "Vivec said \"ALMSIVI...\" -- to the n'wah , yes?  ";
+    Ended cleaned =
+        runChild({"morrowindize-text", "--all"}, dir.file("err"), 0, dir.write("in.txt", line + "\n"));
     EXPECT_TRUE(cleaned.exited);
     EXPECT_EQ(cleaned.status, 0);
 
     std::string script;
-    for (int i = 0; i < 10000; ++i) script += "Choice \"Again\" 1\r\n";
-    std::string info = Rec("INFO")
-                           .z("INAM", "1")
-                           .sub("DATA", std::string(12, '\0'))
-                           .z("ONAM", "a")
-                           .text("NAME", "Hi")
-                           .sub("SCVR", scvr('0', '1', "50", '0'))
-                           .i32("INTV", 1)
-                           .text("BNAM", script)
-                           .bytes();
-    std::string plugin = header() + Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes() + info;
+    for (int i = 0; i < 10000; ++i)
+        script += "Choice \"Again\" 1\r\n";
+    std::string plugin = oneTopic({response("1", "a", "Hi", script)});
     Ended loops = runChild({"loops", dir.write("l.esp", plugin)}, dir.file("err"));
     EXPECT_TRUE(loops.exited);
     EXPECT_EQ(loops.status, 0);

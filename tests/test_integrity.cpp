@@ -214,20 +214,11 @@ TEST(DamagedOutput, CommandLineRefusesUnlessRepairOrForce) {
 }
 
 TEST(DamagedOutput, EditsThatLeaveSizesBehindAreNamedAndRepaired) {
-    std::string dial = Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes();
-    std::string info = Rec("INFO")
-                           .z("INAM", "77")
-                           .sub("DATA", std::string(12, '\0'))
-                           .z("ONAM", "fargoth")
-                           .text("NAME", "Hello there.")
-                           .sub("SCVR", scvr('0', '1', "50", '0'))
-                           .i32("INTV", 1)
-                           .text("BNAM", "Choice \"Again\" 1")
-                           .bytes();
+    std::string plugin = oneTopic({response("77", "fargoth", "Hello there.", "Choice \"Again\" 1")});
     TempDir dir;
     Session s;
     ScriptedDialogs d;
-    openPath(s, d, dir.write("loop.esp", header() + dial + info));
+    openPath(s, d, dir.write("loop.esp", plugin));
     d.loopFixes = {LoopFix{0, "Hello there, friend.", "Goodbye"}};
     DetectLoops(s, d);
     ASSERT_EQ(s.store.INFO[0].NAME, "Hello there, friend.");
@@ -247,8 +238,8 @@ TEST(DamagedOutput, EditsThatLeaveSizesBehindAreNamedAndRepaired) {
     // An imported empty text: the record no longer writes its text, but its Size counts it.
     Session e;
     ScriptedDialogs ed;
-    std::string plugin = dir.write("empty.esp", header() + dial + info);
-    openPath(e, ed, plugin);
+    std::string emptied = dir.write("empty.esp", plugin);
+    openPath(e, ed, emptied);
     std::string text = dir.write("t.txt", "\"77\"\r\n\"T\"\r\n\"fargoth\"\r\n\"\"\r\n");
     ed.openPaths = {text};
     ImportDialogue(e, ed);

@@ -85,7 +85,8 @@ std::string SafeFileWriter::commit() {
         // Named only now, under a fresh temporary name, then renamed over the target.
         std::string self = "/proc/self/fd/" + std::to_string(fd_);
         for (int attempt = 0; !named_ && error_.empty(); ++attempt) {
-            tempName_ = (fs::path(folder_) / (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt)))
+            tempName_ = (fs::path(folder_) /
+                         (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt)))
                             .string();
             if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, tempName_.c_str(), AT_SYMLINK_FOLLOW) == 0)
                 named_ = true;
@@ -95,7 +96,8 @@ std::string SafeFileWriter::commit() {
     }
     if (fd_ >= 0 && ::close(fd_) != 0) fail(errno, std::strerror(errno));
     fd_ = -1;
-    if (error_.empty() && ::rename(tempName_.c_str(), target_.c_str()) != 0) fail(errno, std::strerror(errno));
+    if (error_.empty() && ::rename(tempName_.c_str(), target_.c_str()) != 0)
+        fail(errno, std::strerror(errno));
     if (error_.empty()) named_ = false; // the temporary name is now the target's
     return error_;
 }
