@@ -113,8 +113,19 @@ bool hasNoResponses(const Session& session) {
 }
 
 // Writes the finished file and logs the outcome; the count is of all responses.
-void finish(Session& session, Dialogs& dialogs, const std::string& path, const std::string& bytes) {
-    std::string error = replaceFileSafely(path, bytes);
+// Hands the export to its file once it has grown, so that a large one is never held whole.
+void drainIfLarge(SafeFileWriter& file, std::string& out) {
+    if (out.size() < (1 << 20)) return;
+    file.write(out);
+    out.clear();
+}
+
+// Writes the rest of the export, puts the file in place and logs the outcome; the count is of all
+// responses.
+void finish(Session& session, Dialogs& dialogs, const std::string& path, SafeFileWriter& file,
+            const std::string& rest) {
+    file.write(rest);
+    std::string error = file.commit();
     if (!error.empty()) {
         dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok,
                         Icon::Critical, "");
@@ -143,6 +154,7 @@ void ExportQuotesXml(Session& session, Dialogs& dialogs) {
         return reportExportError(session, dialogs);
     }
     ActorIndex actors(session.store);
+    SafeFileWriter file(path);
     for (const InfoRecord& r : session.store.INFO) {
         // Every response with an actor goes out, those holding "%PC" or "%rank" included: the
         // test that looks for them cannot come out false once an actor is present.
@@ -151,9 +163,10 @@ void ExportQuotesXml(Session& session, Dialogs& dialogs) {
         std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
         out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" + city +
                "</city></quote>";
+        drainIfLarge(file, out);
     }
     out += "</quotes>";
-    finish(session, dialogs, path, out);
+    finish(session, dialogs, path, file, out);
 }
 
 void ExportQuotesKst(Session& session, Dialogs& dialogs) {
@@ -165,6 +178,7 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
         return reportExportError(session, dialogs);
     }
     ActorIndex actors(session.store);
+    SafeFileWriter file(path);
     std::string out;
     for (const InfoRecord& r : session.store.INFO) {
         if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank")) continue;
@@ -180,8 +194,9 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
         field(out, speaker, 32);
         field(out, city, 32);
         field(out, fillPlaceholdersUpTo(r.NAME, s, 512), 512);
+        drainIfLarge(file, out);
     }
-    finish(session, dialogs, path, out);
+    finish(session, dialogs, path, file, out);
 }
 
 } // namespace quillon
