@@ -34,7 +34,8 @@ Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::i
 // The bytes alone, exactly as the format's rules give them.
 std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts);
 
-// True when the records of bytes follow one another exactly as their Size words say, to the end.
+// True when the records of bytes follow one another exactly as their Size words say, to the end:
+// a check of written bytes that knows nothing of the writers (the fuzzers and tests use it).
 bool framesThroughout(std::string_view bytes);
 
 // Writes the store to path. Asks first for a savegame (declining writes nothing); output that
