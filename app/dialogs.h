@@ -40,9 +40,14 @@ struct LoopFix {
 class Dialogs {
 public:
     virtual ~Dialogs() = default;
-    virtual Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) = 0;
+    // A message with one OK button.
+    virtual void tell(const std::string& text, Icon icon) = 0;
+    // A question with the given buttons; what names it for front ends that answer without asking.
+    virtual Answer ask(const Question& what, const std::string& text, Buttons buttons, Icon icon,
+                       const std::string& title) = 0;
     // The typed text; empty when cancelled.
-    virtual std::string input(const std::string& prompt, const std::string& title, const std::string& defaultText) = 0;
+    virtual std::string input(const Question& what, const std::string& prompt, const std::string& title,
+                              const std::string& defaultText) = 0;
     // A chosen path; empty when cancelled.
     virtual std::string openFile(const FileRequest& request) = 0;
     virtual std::string saveFile(const FileRequest& request) = 0;

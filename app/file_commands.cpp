@@ -37,18 +37,18 @@ bool sameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
-void Open(Session& session, Dialogs& dialogs) {
+Outcome Open(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.flags = HideReadOnly | FileMustExist;
     request.filter = kOpenDataFilter;
     request.initialFolder = session.openFolder;
     std::string path = dialogs.openFile(request);
-    if (trimBlanks(path).empty()) return;
+    if (trimBlanks(path).empty()) return Outcome::declined("no file was chosen");
     session.openFolder = path.substr(0, path.size() - std::min(path.size(), bareName(path).size() + 1));
-    openPath(session, dialogs, path);
+    return openPath(session, dialogs, path);
 }
 
-double openPath(Session& session, Dialogs& dialogs, const std::string& path) {
+Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
     std::string name = bareName(path);
     session.log.LogLine("-Reading \"" + name + "\"...");
     dialogs.refreshLog();
@@ -82,16 +82,19 @@ double openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         session.counts.ShowRecordCounts(session.store, recordCount);
         TrimRecords(session.store);
     }
-    return ms;
+    if (ms < 0) return Outcome::failed("\"" + name + "\" could not be read");
+    if (ms == 0) return Outcome::declined("reading stopped at a record of unknown type");
+    return Outcome::done();
 }
 
-void Close(Session& session) {
+Outcome Close(Session& session) {
     ClearRecords(session.store);
     session.counts.ResetRecordCounts();
     session.fileGroupEnabled = false;
     session.log.LogLine("-Closed \"" + bareName(session.currentPath) + "\" successfully.");
     session.currentPath.clear();
     session.recordsPath.clear();
+    return Outcome::done();
 }
 
 void Exit(Session& session) {
@@ -102,7 +105,7 @@ void Exit(Session& session) {
 namespace {
 
 // Writes the store to path and logs the outcome; failureLine is the command's own failure text.
-bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
+Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
     std::string name = bareName(path);
     // The header's count comes from the displayed total, not from the store.
     auto recordCount = std::int32_t(session.counts.number(kTotalLabel));
@@ -110,13 +113,13 @@ bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path,
     WriteResult result = WriteESFile(session.store, path, recordCount, prompts);
     if (result.status == WriteResult::Failed) {
         session.log.LogLine(failureLine);
-        dialogs.message("\"" + name + "\" could not be written: " + result.error + ". The file on disk is unchanged.",
-                        Buttons::Ok, Icon::Critical, "");
-        return false;
+        dialogs.tell("\"" + name + "\" could not be written: " + result.error + ". The file on disk is unchanged.",
+                     Icon::Critical);
+        return Outcome::failed(result.error);
     }
     if (result.status == WriteResult::Refused) {
         session.log.LogLine(failureLine);
-        return false;
+        return Outcome::failed("records would have been written damaged");
     }
     if (result.status == WriteResult::Written) {
         session.fileStamp = stampOf(path);
@@ -125,12 +128,13 @@ bool writeAndReport(Session& session, Dialogs& dialogs, const std::string& path,
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
                         std::to_string(session.counts.number(kTotalLabel)) + " records have been written.");
-    return true;
+    if (result.status == WriteResult::Declined) return Outcome::declined("the savegame was not written");
+    return Outcome::done();
 }
 
 } // namespace
 
-bool Save(Session& session, Dialogs& dialogs) {
+Outcome Save(Session& session, Dialogs& dialogs) {
     std::string name = bareName(session.currentPath);
     session.log.LogLine("-Writing \"" + name + "\"...");
     dialogs.refreshLog();
@@ -139,36 +143,36 @@ bool Save(Session& session, Dialogs& dialogs) {
     // would destroy a file that was never read.
     bool foreignTarget = !session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath);
     if (foreignTarget &&
-        dialogs.message("The records open here were read from \"" + bareName(session.recordsPath) +
+        dialogs.ask({QuestionId::ReplaceOtherFile}, "The records open here were read from \"" + bareName(session.recordsPath) +
                             "\". Save would replace \"" + name + "\" with them.",
                         Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
-        return false;
+        return Outcome::declined("the records were not read from \"" + name + "\"");
     }
     // Another program changed the file since it was read: overwriting would lose that work.
     std::string now = stampOf(session.currentPath);
     if (!foreignTarget && !session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
-        dialogs.message("\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
+        dialogs.ask({QuestionId::OverwriteChangedFile}, "\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
                         "records open here?",
                         Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
-        return false;
+        return Outcome::declined("\"" + name + "\" was changed on disk");
     }
     return writeAndReport(session, dialogs, session.currentPath, failure);
 }
 
-bool SaveAs(Session& session, Dialogs& dialogs) {
+Outcome SaveAs(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.flags = PromptOverwrite;
     request.filter = kSaveDataFilter;
     request.filterIndex = 2;
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
-    if (trimBlanks(path).empty()) return false;
+    if (trimBlanks(path).empty()) return Outcome::declined("no file was chosen");
     return saveAsPath(session, dialogs, path);
 }
 
-bool saveAsPath(Session& session, Dialogs& dialogs, const std::string& path) {
+Outcome saveAsPath(Session& session, Dialogs& dialogs, const std::string& path) {
     // The chosen file is created (empty) before writing, as an open-and-close would. Anything but
     // an ordinary file is left alone (opening a pipe would block); the write then refuses it.
     std::error_code ec;

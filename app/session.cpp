@@ -26,10 +26,10 @@ std::string trimBlanks(const std::string& text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void DialogPrompts::tell(const std::string& text) { dialogs_.message(text, Buttons::Ok, Icon::None, ""); }
+void DialogPrompts::tell(const std::string& text) { dialogs_.tell(text, Icon::None); }
 
-Reply DialogPrompts::ask(const std::string& text, bool withCancel) {
-    switch (dialogs_.message(text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {
+Reply DialogPrompts::ask(const Question& what, const std::string& text, bool withCancel) {
+    switch (dialogs_.ask(what, text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {
     case Answer::Yes: return Reply::Yes;
     case Answer::Cancel: return Reply::Cancel;
     default: return Reply::No;

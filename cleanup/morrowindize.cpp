@@ -21,7 +21,8 @@ void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToA
         if (text.size() > kMaxResponse) {
             Answer a =
                 noToAll ? Answer::No
-                        : dialogs.message(kTooLongQuestion, Buttons::YesNoCancel, Icon::Question, "Clean Up");
+                        : dialogs.ask({QuestionId::CleanedTooLong, r.INAM}, kTooLongQuestion, Buttons::YesNoCancel,
+                                      Icon::Question, "Clean Up");
             if (a == Answer::Yes) {
                 text = dialogs.editResponse(r.ONAM, r.DialogueType == 4 ? "Journal Entry" : r.Topic, text);
                 dialogs.refreshLog();
@@ -42,7 +43,7 @@ void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToA
 
 } // namespace
 
-void Morrowindize(Session& session, Dialogs& dialogs) {
+Outcome Morrowindize(Session& session, Dialogs& dialogs) {
     std::string name = bareName(session.currentPath);
     std::vector<InfoRecord>& infos = session.store.INFO;
     session.log.LogLine("-Morrowindizing " + std::to_string(infos.size()) + " responses from \"" + name +
@@ -56,7 +57,7 @@ void Morrowindize(Session& session, Dialogs& dialogs) {
         // Responses already cleaned keep their new texts.
         session.log.LogLine("-An error occured during dialogue clean-up.");
         dialogs.refreshLog();
-        return;
+        return Outcome::failed("the clean-up stopped on an error");
     }
     if (changed == 0)
         session.log.LogLine("-All dialogues in \"" + name + "\" are already Morrowindish.");
@@ -64,6 +65,7 @@ void Morrowindize(Session& session, Dialogs& dialogs) {
         session.log.LogLine("-" + std::to_string(changed) + " responses from \"" + name +
                             "\" have been Morrowindized successfully.");
     dialogs.refreshLog();
+    return Outcome::done();
 }
 
 } // namespace quillon

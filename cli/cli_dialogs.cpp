@@ -26,12 +26,6 @@ std::string forTerminal(const std::string& text) {
     return out;
 }
 
-namespace {
-
-bool startsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
-
-} // namespace
-
 Answer CliDialogs::unknownRecord(const std::string& text) {
     switch (unknown) {
     case Unknown::Yes: return Answer::Yes;
@@ -52,19 +46,17 @@ Answer CliDialogs::unknownRecord(const std::string& text) {
     return Answer::Yes;
 }
 
-Answer CliDialogs::message(const std::string& text, Buttons buttons, Icon, const std::string&) {
-    if (startsWith(text, "Unknown record encountered")) return unknownRecord(text);
-    if (startsWith(text, "Writing ESS files")) {
+void CliDialogs::tell(const std::string& text, Icon) { *err << "quillon: " << forTerminal(text) << "\n"; }
+
+Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons, Icon, const std::string&) {
+    if (what.id == QuestionId::UnknownRecord) return unknownRecord(text);
+    if (what.id == QuestionId::WriteSavegame) {
         if (yes) return Answer::Yes;
         if (no) return Answer::No;
         throw CliError("the target is a savegame; writing one is likely to give an unusable file (add --yes to "
                        "write it all the same, or --no to leave it)");
     }
-    if (buttons == Buttons::Ok) {
-        *err << "quillon: " << forTerminal(text) << "\n";
-        return Answer::Ok;
-    }
-    if (answer) return answer(text, buttons);
+    if (answer) return answer(what);
     throw CliError("no answer on the command line to: " + forTerminal(text));
 }
 
@@ -85,8 +77,9 @@ DamageChoice CliDialogs::damagedOutput(const DamageReport& report) {
     return onDamage;
 }
 
-std::string CliDialogs::input(const std::string& prompt, const std::string&, const std::string&) {
-    if (inputAnswer) return inputAnswer(prompt);
+std::string CliDialogs::input(const Question& what, const std::string& prompt, const std::string&,
+                              const std::string&) {
+    if (inputAnswer) return inputAnswer(what);
     throw CliError("no answer on the command line to: " + forTerminal(prompt));
 }
 

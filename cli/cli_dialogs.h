@@ -26,15 +26,18 @@ public:
     std::string openPath;      // the answer to the next open dialog
     std::string savePath;      // the answer to the next save dialog
     // Answers to a command's own questions; unset questions stop the command with a CliError.
-    std::function<Answer(const std::string& text, Buttons)> answer;
-    std::function<std::string(const std::string& prompt)> inputAnswer;
+    std::function<Answer(const Question& what)> answer;
+    std::function<std::string(const Question& what)> inputAnswer;
     std::function<std::string(const std::string& actor, const std::string& topic, const std::string& text)> edit;
     std::function<LoopFix(const std::string& actor, const std::string& topic, const std::string& text,
                           const std::string& result, std::int32_t choice)>
         loopFix;
 
-    Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
-    std::string input(const std::string& prompt, const std::string& title, const std::string& defaultText) override;
+    void tell(const std::string& text, Icon icon) override;
+    Answer ask(const Question& what, const std::string& text, Buttons buttons, Icon icon,
+               const std::string& title) override;
+    std::string input(const Question& what, const std::string& prompt, const std::string& title,
+                      const std::string& defaultText) override;
     std::string openFile(const FileRequest& request) override;
     std::string saveFile(const FileRequest& request) override;
     std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override;

@@ -65,17 +65,10 @@ struct Context {
     std::ostream& err;
     Session session;
     CliDialogs dialogs;
-    std::vector<std::string> logged; // every log line, in order
-
-    // True when a line logged since mark reports a failure.
-    bool failedSince(std::size_t mark) const {
-        for (std::size_t i = mark; i < logged.size(); ++i)
-            if (logged[i].rfind("-An error occured", 0) == 0 || logged[i].rfind("-Failed", 0) == 0 ||
-                logged[i].rfind("-Nothing has been written", 0) == 0)
-                return true;
-        return false;
-    }
 };
+
+// A failure exits with 1; a command that declined did what the answers given asked for.
+int exitStatus(const Outcome& outcome) { return outcome.isFailed() ? 1 : 0; }
 
 using Handler = std::function<int(Context&)>;
 
@@ -89,27 +82,24 @@ struct Command {
 };
 
 int countsCommand(Context& c) {
-    double ms = openPath(c.session, c.dialogs, c.args.positional[0]);
+    Outcome opened = openPath(c.session, c.dialogs, c.args.positional[0]);
     for (std::size_t i = 0; i < kCountLabels; ++i)
         c.out << countCaption(i) << ' ' << c.session.counts.shown[i] << '\n';
-    return ms > 0 ? 0 : 1;
+    return opened.isDone() ? 0 : 1;
 }
+
+// Opens FILE; false when it was not read whole.
+bool openInput(Context& c) { return openPath(c.session, c.dialogs, c.args.positional[0]).isDone(); }
 
 int saveCommand(Context& c) {
-    if (openPath(c.session, c.dialogs, c.args.positional[0]) <= 0) return 1;
+    if (!openInput(c)) return 1;
     std::string target = c.args.value("-o");
-    bool ok = target.empty() ? Save(c.session, c.dialogs) : saveAsPath(c.session, c.dialogs, target);
-    return ok ? 0 : 1;
+    return exitStatus(target.empty() ? Save(c.session, c.dialogs) : saveAsPath(c.session, c.dialogs, target));
 }
-
-// Opens FILE; false when nothing could be read.
-bool openInput(Context& c) { return openPath(c.session, c.dialogs, c.args.positional[0]) > 0; }
 
 int exportCommand(Context& c) {
     if (!openInput(c)) return 1;
-    std::size_t mark = c.logged.size();
-    exportDialogueTo(c.session, c.dialogs, c.args.value("-o"));
-    return c.failedSince(mark) ? 1 : 0;
+    return exitStatus(exportDialogueTo(c.session, c.dialogs, c.args.value("-o")));
 }
 
 int importCommand(Context& c) {
@@ -120,18 +110,15 @@ int importCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     bool removeBreaks = c.args.has("--remove-line-breaks");
-    c.dialogs.answer = [&](const std::string& text, Buttons) {
-        if (text == "Do you want to remove line breaks?") return removeBreaks ? Answer::Yes : Answer::No;
+    c.dialogs.answer = [&](const Question& what) {
+        if (what.id == QuestionId::RemoveLineBreaks) return removeBreaks ? Answer::Yes : Answer::No;
         if (longMode == "trim") return Answer::No;
         if (longMode == "cancel") return Answer::Cancel;
-        std::size_t start = text.find('"') + 1;
-        throw CliError("response " + text.substr(start - 1, text.find('"', start) - start + 2) +
-                       " is longer than 512 characters; shorten it in the text file or add --long=trim");
+        throw CliError("response \"" + what.subject +
+                       "\" is longer than 512 characters; shorten it in the text file or add --long=trim");
     };
-    std::size_t mark = c.logged.size();
-    importDialogueFrom(c.session, c.dialogs, c.args.positional[1]);
-    if (c.failedSince(mark)) return 1;
-    return saveAsPath(c.session, c.dialogs, c.args.value("-o")) ? 0 : 1;
+    if (importDialogueFrom(c.session, c.dialogs, c.args.positional[1]).isFailed()) return 1;
+    return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
 }
 
 int loopsCommand(Context& c) {
@@ -155,9 +142,7 @@ int loopsCommand(Context& c) {
               << '\n';
         return LoopFix{2, text, result};
     };
-    std::size_t mark = c.logged.size();
-    DetectLoops(c.session, c.dialogs);
-    if (c.failedSince(mark)) return 1;
+    if (DetectLoops(c.session, c.dialogs).isFailed()) return 1;
     return found > 0 && c.args.has("--fail-on-loop") ? 1 : 0;
 }
 
@@ -169,21 +154,17 @@ int quotesCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     bool askNames = c.args.has("--ask-names");
-    c.dialogs.inputAnswer = [&](const std::string& prompt) {
-        if (prompt == "Please, enter the name of the city to export from:") return c.args.value("--city");
-        if (!askNames) return prompt; // a speaker name holding "_" stays as it is
-        c.err << "Name for \"" << prompt << "\": ";
+    c.dialogs.inputAnswer = [&](const Question& what) {
+        if (what.id == QuestionId::CityName) return c.args.value("--city");
+        const std::string& name = what.subject;
+        if (!askNames) return name; // a speaker name holding "_" stays as it is
+        c.err << "Name for \"" << forTerminal(name) << "\": ";
         std::string typed;
-        if (!std::getline(std::cin, typed)) throw CliError("no answer for the speaker name \"" + prompt + "\"");
+        if (!std::getline(std::cin, typed)) throw CliError("no answer for the speaker name \"" + name + "\"");
         return typed;
     };
     c.dialogs.savePath = c.args.value("-o");
-    std::size_t mark = c.logged.size();
-    if (format == "xml")
-        ExportQuotesXml(c.session, c.dialogs);
-    else
-        ExportQuotesKst(c.session, c.dialogs);
-    return c.failedSince(mark) ? 1 : 0;
+    return exitStatus(format == "xml" ? ExportQuotesXml(c.session, c.dialogs) : ExportQuotesKst(c.session, c.dialogs));
 }
 
 const std::set<std::string> kCleanupOptions = {"--line-breaks", "--american", "--sentences", "--space-quotes",
@@ -217,17 +198,15 @@ int morrowindizeCommand(Context& c) {
     c.session.settings = cleanupSettings(c.args);
     // An over-long result is "edited" into itself, which keeps the original text; this way the
     // command line learns whose response it was.
-    c.dialogs.answer = [](const std::string&, Buttons) { return Answer::Yes; };
+    c.dialogs.answer = [](const Question&) { return Answer::Yes; };
     c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
         c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" + topic +
                              "\": cleaned it would be " + std::to_string(text.size()) + " characters long")
               << '\n';
         return text;
     };
-    std::size_t mark = c.logged.size();
-    Morrowindize(c.session, c.dialogs);
-    if (c.failedSince(mark)) return 1;
-    return saveAsPath(c.session, c.dialogs, c.args.value("-o")) ? 0 : 1;
+    if (Morrowindize(c.session, c.dialogs).isFailed()) return 1;
+    return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
 }
 
 int morrowindizeTextCommand(Context& c) {
@@ -252,10 +231,8 @@ int npcListCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     c.dialogs.savePath = c.args.value("-o");
-    c.dialogs.inputAnswer = [&](const std::string&) { return c.args.value("--cell"); };
-    std::size_t mark = c.logged.size();
-    ExportNpcList(c.session, c.dialogs, format, c.args.has("--no-clones"));
-    return c.failedSince(mark) || c.logged.size() == mark ? 1 : 0;
+    c.dialogs.inputAnswer = [&](const Question&) { return c.args.value("--cell"); };
+    return exitStatus(ExportNpcList(c.session, c.dialogs, format, c.args.has("--no-clones")));
 }
 
 // The flags of every command that saves a data file.
@@ -334,10 +311,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         if (parsed.has("--repair")) c.dialogs.onDamage = DamageChoice::Repair;
         if (parsed.has("--force")) c.dialogs.onDamage = DamageChoice::WriteAsIs;
         c.dialogs.err = &err;
-        c.session.log.onLine = [&c](const std::string& line) {
-            c.logged.push_back(line);
-            c.err << forTerminal(line) << '\n';
-        };
+        c.session.log.onLine = [&c](const std::string& line) { c.err << forTerminal(line) << '\n'; };
         try {
             return command.run(c);
         } catch (const CliError& e) {

@@ -90,24 +90,28 @@ bool checkAll(Session& session, Dialogs& dialogs) {
 
 } // namespace
 
-void DetectLoops(Session& session, Dialogs& dialogs) {
+Outcome DetectLoops(Session& session, Dialogs& dialogs) {
     std::string name = bareName(session.currentPath);
     if (session.store.INFO.empty()) {
         session.log.LogLine("-\"" + name + "\" contains no dialogue responses.");
-        return;
+        return Outcome::declined("the file holds no dialogue responses");
     }
     session.log.LogLine("-Checking " + std::to_string(session.store.INFO.size()) + " responses from \"" +
                         name + "\" for loops...");
     dialogs.refreshLog();
+    Outcome outcome = Outcome::done();
     try {
-        session.log.LogLine(checkAll(session, dialogs) ? "-Loop check successful."
-                                                       : "-Loop check cancelled.");
+        bool finished = checkAll(session, dialogs);
+        session.log.LogLine(finished ? "-Loop check successful." : "-Loop check cancelled.");
+        if (!finished) outcome = Outcome::declined("the loop check was cancelled");
     } catch (const std::bad_alloc&) {
         // Fixes accepted before the failure stay.
-        dialogs.message(numberedErrorMessage(FailureKind::OutOfMemory), Buttons::Ok, Icon::None, "");
+        dialogs.tell(numberedErrorMessage(FailureKind::OutOfMemory), Icon::None);
         session.log.LogLine("-An error occured during loop detection.");
+        outcome = Outcome::failed("not enough memory");
     }
     dialogs.refreshLog();
+    return outcome;
 }
 
 } // namespace quillon

@@ -27,37 +27,38 @@ std::string dialogueText(const std::vector<InfoRecord>& infos) {
 
 } // namespace
 
-void reportExportError(Session& session, Dialogs& dialogs) {
-    dialogs.message("The operation encountered an error.", Buttons::Ok, Icon::None, "");
+Outcome reportExportError(Session& session, Dialogs& dialogs) {
+    dialogs.tell("The operation encountered an error.", Icon::None);
     session.log.LogLine("-An error occured during dialogue exporting.");
+    return Outcome::failed("the file holds no dialogue responses");
 }
 
-void ExportDialogue(Session& session, Dialogs& dialogs) {
+Outcome ExportDialogue(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.flags = PromptOverwrite;
     request.filter = kTextFilter;
     request.defaultExtension = ".txt";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
-    if (path.empty()) return;
+    if (path.empty()) return Outcome::declined("no file was chosen");
     session.openFolder = folderOf(path);
-    exportDialogueTo(session, dialogs, path);
+    return exportDialogueTo(session, dialogs, path);
 }
 
-void exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path) {
+Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path) {
     const std::vector<InfoRecord>& infos = session.store.INFO;
     bool none = infos.empty() || infos.front().INAMSize == 0;
     std::string error = replaceFileSafely(path, none ? std::string() : dialogueText(infos));
     if (!error.empty()) {
-        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok,
-                        Icon::Critical, "");
+        dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         session.log.LogLine("-An error occured during dialogue exporting.");
-        return;
+        return Outcome::failed(error);
     }
     // The text file exists (empty) when there is nothing to export.
     if (none) return reportExportError(session, dialogs);
     session.log.LogLine("-Exported " + std::to_string(infos.size()) + " responses from \"" +
                         bareName(session.currentPath) + "\" successfully.");
+    return Outcome::done();
 }
 
 } // namespace quillon

@@ -122,18 +122,18 @@ void drainIfLarge(SafeFileWriter& file, std::string& out) {
 
 // Writes the rest of the export, puts the file in place and logs the outcome; the count is of all
 // responses.
-void finish(Session& session, Dialogs& dialogs, const std::string& path, SafeFileWriter& file,
+Outcome finish(Session& session, Dialogs& dialogs, const std::string& path, SafeFileWriter& file,
             const std::string& rest) {
     file.write(rest);
     std::string error = file.commit();
     if (!error.empty()) {
-        dialogs.message("\"" + bareName(path) + "\" could not be written: " + error + ".", Buttons::Ok,
-                        Icon::Critical, "");
+        dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         session.log.LogLine("-An error occured during dialogue exporting.");
-        return;
+        return Outcome::failed(error);
     }
     session.log.LogLine("-Exported " + std::to_string(session.store.INFO.size()) + " responses from \"" +
                         bareName(session.currentPath) + "\" successfully.");
+    return Outcome::done();
 }
 
 // A fixed-width field of the quote file: the text cut or padded with zero bytes to width.
@@ -144,10 +144,10 @@ void field(std::string& out, const std::string& text, std::size_t width) {
 
 } // namespace
 
-void ExportQuotesXml(Session& session, Dialogs& dialogs) {
+Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
     std::string path = askForFile(session, dialogs, "XML files (*.xml)|*.xml| All Files (*.*)| *.*", ".xml");
-    if (path.empty()) return;
-    std::string city = dialogs.input(kCityPrompt, "", "");
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
     std::string out = "<quotes>";
     if (hasNoResponses(session)) {
         replaceFileSafely(path, out);
@@ -166,13 +166,13 @@ void ExportQuotesXml(Session& session, Dialogs& dialogs) {
         drainIfLarge(file, out);
     }
     out += "</quotes>";
-    finish(session, dialogs, path, file, out);
+    return finish(session, dialogs, path, file, out);
 }
 
-void ExportQuotesKst(Session& session, Dialogs& dialogs) {
+Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
     std::string path = askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
-    if (path.empty()) return;
-    std::string city = dialogs.input(kCityPrompt, "", "");
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
     if (hasNoResponses(session)) {
         replaceFileSafely(path, "");
         return reportExportError(session, dialogs);
@@ -186,7 +186,7 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
         // A name holding "_" is offered for retyping, the typed text replacing it; when that leaves
         // no name, the actor ID stands in and is offered the same way.
         auto retyped = [&](const std::string& name) {
-            return name.find('_') != std::string::npos ? dialogs.input(name, "", "") : name;
+            return name.find('_') != std::string::npos ? dialogs.input({QuestionId::SpeakerName, name}, name, "", "") : name;
         };
         std::string speaker = s.name.empty() ? std::string() : retyped(s.name);
         if (speaker.empty()) speaker = retyped(trimBlanks(properCase(r.ONAM)));
@@ -196,7 +196,7 @@ void ExportQuotesKst(Session& session, Dialogs& dialogs) {
         field(out, fillPlaceholdersUpTo(r.NAME, s, 512), 512);
         drainIfLarge(file, out);
     }
-    finish(session, dialogs, path, file, out);
+    return finish(session, dialogs, path, file, out);
 }
 
 } // namespace quillon

@@ -99,7 +99,7 @@ private:
 
     std::string fitLongText(const InfoRecord& r, std::string text) {
         if (!noToAll_) {
-            Answer a = d_.message("The response \"" + r.INAM +
+            Answer a = d_.ask({QuestionId::LongResponse, r.INAM}, "The response \"" + r.INAM +
                                       "\" is bigger than 512 characters. Do you want to edit it by hand? Otherwise "
                                       "it will be trimmed to fit.\r\n\r\nCancel is \"No to all\"",
                                   Buttons::YesNoCancel, Icon::Information, "Quillon Warning");
@@ -133,45 +133,48 @@ private:
     bool noToAll_ = false;
 };
 
-void reportImportError(Session& session, Dialogs& dialogs, const std::string& text) {
-    dialogs.message(text, Buttons::Ok, Icon::None, "");
+Outcome reportImportError(Session& session, Dialogs& dialogs, const std::string& text) {
+    dialogs.tell(text, Icon::None);
     session.log.LogLine("-An error occured during dialogue importing.");
+    return Outcome::failed(text);
 }
 
 } // namespace
 
-void ImportDialogue(Session& session, Dialogs& dialogs) {
+Outcome ImportDialogue(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.flags = HideReadOnly | FileMustExist;
     request.filter = "Text files (*.txt)|*.txt| All Files (*.*)| *.*";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.openFile(request);
-    if (trimBlanks(path).empty()) return;
+    if (trimBlanks(path).empty()) return Outcome::declined("no file was chosen");
     session.openFolder = folderOf(path);
-    importDialogueFrom(session, dialogs, path);
+    return importDialogueFrom(session, dialogs, path);
 }
 
-void importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path) {
+Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path) {
     bool removeLineBreaks =
-        dialogs.message("Do you want to remove line breaks?", Buttons::YesNo, Icon::None, "") == Answer::Yes;
+        dialogs.ask({QuestionId::RemoveLineBreaks}, "Do you want to remove line breaks?", Buttons::YesNo, Icon::None,
+                    "") == Answer::Yes;
     std::string error;
     std::string bytes = loadFile(path, error);
     if (!error.empty()) return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
-    importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks);
+    return importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks);
 }
 
-void importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks) {
+Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks) {
     if (session.store.INFO.empty())
         return reportImportError(session, dialogs, "\"" + bareName(session.currentPath) + "\" holds no dialogue responses to import into.");
     Import import(session, dialogs, removeLineBreaks, std::move(bytes));
     try {
         import.run();
+        return Outcome::done();
     } catch (const Mismatch&) {
         // Responses already imported keep their new texts: there is no rollback.
         char offset[32];
         std::snprintf(offset, sizeof offset, "%zX", import.pos() + 1);
-        reportImportError(session, dialogs,
-                          "The file has been edited incorrectly. Current offset: 0x" + std::string(offset) +
+        return reportImportError(session, dialogs,
+                                 "The file has been edited incorrectly. Current offset: 0x" + std::string(offset) +
                               ". Required ID: " + session.store.INFO[import.current()].INAM +
                               ". Found ID: " + readableExcerpt(import.foundId()));
     }

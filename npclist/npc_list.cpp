@@ -200,15 +200,15 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
     return sheet.finish(count);
 }
 
-void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
+Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
     // The checks read the displayed counts, not the store.
     if (session.counts.number(7) <= 0) {
-        dialogs.message("No cells found in current file.", Buttons::Ok, Icon::None, "");
-        return;
+        dialogs.tell("No cells found in current file.", Icon::None);
+        return Outcome::failed("the file holds no cells");
     }
     if (session.counts.number(29) <= 0) {
-        dialogs.message("No NPCs found in current file.", Buttons::Ok, Icon::None, "");
-        return;
+        dialogs.tell("No NPCs found in current file.", Icon::None);
+        return Outcome::failed("the file holds no NPCs");
     }
     FileRequest request;
     request.filter = format == NpcListFormat::Html
@@ -217,22 +217,23 @@ void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, boo
     request.defaultExtension = format == NpcListFormat::Html ? ".htm" : ".txt";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
-    if (path.empty()) return;
+    if (path.empty()) return Outcome::declined("no file was chosen");
     // The old list goes at once, even if no cell name follows; anything but an ordinary file is
     // left alone and refused when the list is written.
     std::error_code ec;
     if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ec)))
         std::filesystem::remove(path, ec);
     std::string answer =
-        dialogs.input("Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
-    if (answer.empty()) return;
+        dialogs.input({QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
+    if (answer.empty()) return Outcome::declined("no cell name was given");
     std::string dataName = bareName(session.currentPath);
     session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
     dialogs.refreshLog();
 
     auto fail = [&](FailureKind kind) {
-        dialogs.message(numberedErrorMessage(kind), Buttons::Ok, Icon::None, "");
+        dialogs.tell(numberedErrorMessage(kind), Icon::None);
         session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");
+        return Outcome::failed(kind == FailureKind::OutOfMemory ? "not enough memory" : "the list could not be written");
     };
     int count = 0;
     SafeFileWriter file(path);
@@ -248,6 +249,7 @@ void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, boo
                             "\" successfully.");
     else
         session.log.LogLine("-No NPCs found in given cell in \"" + dataName + "\"");
+    return Outcome::done();
 }
 
 } // namespace quillon

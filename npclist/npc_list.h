@@ -1,4 +1,5 @@
 #pragma once
+#include "app/outcome.h"
 #include "app/session.h"
 #include "writer/safe_file.h"
 
@@ -13,7 +14,7 @@ extern const char* const kHomePage;
 
 // Writes every NPC placed in the cells whose names hold the typed text as a work sheet for
 // dialogue writers. With skipClones, generic NPCs (guards, ordinators and the like) are left out.
-void ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
+Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
 
 // The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
 // With a drain, all but the returned tail has been written to it.

@@ -178,7 +178,7 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
             }
             if (!store.SkipUnknownPrompt) {
                 Clock::time_point asked = Clock::now();
-                Reply reply = prompts.ask(unknownRecordQuestion(tagOffset, t), true);
+                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)}, unknownRecordQuestion(tagOffset, t), true);
                 // Only the last question's time is taken off the result: replaced, not added.
                 pauseMs = msSince(asked);
                 if (reply == Reply::No) {

@@ -21,6 +21,25 @@ struct DamageReport {
     bool repairable = false; // a repair would give a file that frames throughout
 };
 
+// What a question asks, so that a front end answers it by what it is and never by its words.
+enum class QuestionId {
+    UnknownRecord,        // reading: keep a record of unknown type (Cancel: every further one)?
+    WriteSavegame,        // writing a savegame, which is not fully supported
+    ReplaceOtherFile,     // Save after a refused Open: replace a file the records were not read from?
+    OverwriteChangedFile, // Save over a file another program changed since it was read
+    RemoveLineBreaks,     // import: take line breaks out of the texts?
+    LongResponse,         // import: edit a response over the limit by hand (Cancel: no to all)?
+    CleanedTooLong,       // clean-up: edit a response grown over the limit by hand (Cancel: no to all)?
+    CityName,             // quote export: the city the quotes are from
+    SpeakerName,          // quote export: retype a speaker name holding "_"
+    CellName,             // NPC list: part of the cells' names
+};
+
+struct Question {
+    QuestionId id;
+    std::string subject = {}; // what it is about: a response's ID, a speaker's name; may be empty
+};
+
 // What to do with output that would be damaged; the first choice writes nothing.
 enum class DamageChoice { WriteNothing, Repair, WriteAsIs };
 
@@ -32,7 +51,7 @@ public:
     // A message with one OK button.
     virtual void tell(const std::string& text) = 0;
     // A question with Yes and No, and Cancel when asked for.
-    virtual Reply ask(const std::string& text, bool withCancel) = 0;
+    virtual Reply ask(const Question& what, const std::string& text, bool withCancel) = 0;
     // Output that would be damaged, before anything is replaced.
     virtual DamageChoice damagedOutput(const DamageReport& report) = 0;
 };

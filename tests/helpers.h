@@ -33,12 +33,15 @@ public:
     std::vector<FileRequest> fileRequests;
     int refreshes = 0;
 
-    Answer message(const std::string& text, Buttons buttons, Icon, const std::string& title) override {
+    std::vector<Question> asked; // what each question and input box asked, in order
+    void tell(const std::string& text, Icon) override { messages.push_back(text); }
+    Answer ask(const Question& what, const std::string& text, Buttons, Icon, const std::string& title) override {
+        asked.push_back(what);
         messages.push_back(title.empty() ? text : title + "|" + text);
-        if (buttons == Buttons::Ok) return Answer::Ok;
         return pop(answers, Answer::No);
     }
-    std::string input(const std::string& prompt, const std::string&, const std::string&) override {
+    std::string input(const Question& what, const std::string& prompt, const std::string&, const std::string&) override {
+        asked.push_back(what);
         prompts.push_back(prompt);
         return pop(inputs, std::string());
     }
@@ -89,7 +92,7 @@ public:
         damageReports.push_back(report);
         return damageChoice;
     }
-    Reply ask(const std::string& text, bool) override {
+    Reply ask(const Question&, const std::string& text, bool) override {
         asked.push_back(text);
         if (replies.empty()) return Reply::Yes;
         Reply r = replies.front();

@@ -121,14 +121,14 @@ TEST(BadInput, AFileChangedSinceItWasOpened) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     dir.write("p.esp", plugin() + "changed by another program");
     d.answers = {Answer::No};
-    EXPECT_FALSE(Save(s, d));
+    EXPECT_FALSE(Save(s, d).isDone());
     EXPECT_EQ(d.messages.back(), "\"p.esp\" has been changed on disk since it was opened. Overwrite it with the "
                                  "records open here?");
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     EXPECT_EQ(readAll(path), plugin() + "changed by another program");
     d.answers = {Answer::Yes};
-    EXPECT_TRUE(Save(s, d));
-    EXPECT_TRUE(Save(s, d)); // written by us: no question the second time
+    EXPECT_TRUE(Save(s, d).isDone());
+    EXPECT_TRUE(Save(s, d).isDone()); // written by us: no question the second time
     EXPECT_EQ(d.messages.size(), 2u);
 }
 
@@ -140,7 +140,7 @@ TEST(BadInput, SavingThroughALinkKeepsTheLink) {
     ScriptedDialogs d;
     openPath(s, d, dir.file("link.esp"));
     s.store.INFO[0].NAME = "Howdy";
-    ASSERT_TRUE(Save(s, d));
+    ASSERT_TRUE(Save(s, d).isDone());
     EXPECT_TRUE(std::filesystem::is_symlink(dir.file("link.esp")));
     EXPECT_NE(readAll(real).find("Howdy"), std::string::npos);
 }
@@ -152,13 +152,13 @@ TEST(BadInput, SpecialFilesAreRefusedWithoutBlocking) {
     for (const char* name : {"pipe.esp", "zero.esp"}) {
         Session s;
         ScriptedDialogs d;
-        EXPECT_LT(openPath(s, d, dir.file(name)), 0) << name;
+        EXPECT_TRUE(openPath(s, d, dir.file(name)).isFailed()) << name;
         EXPECT_EQ(d.messages.back(), "Cannot read \"" + std::string(name) + "\": it is not an ordinary file.");
     }
     Session s;
     ScriptedDialogs d;
     openPath(s, d, dir.write("p.esp", plugin()));
-    EXPECT_FALSE(saveAsPath(s, d, dir.file("pipe.esp"))); // opening the pipe to create it would block
+    EXPECT_FALSE(saveAsPath(s, d, dir.file("pipe.esp")).isDone()); // opening the pipe to create it would block
     EXPECT_EQ(lastLog(s), "-Nothing has been written.");
     EXPECT_TRUE(std::filesystem::is_fifo(dir.file("pipe.esp")));
 }
@@ -169,7 +169,7 @@ TEST(BadInput, LongTargetNamesSaveAndLeaveNoTemporaryFile) {
     ScriptedDialogs d;
     openPath(s, d, dir.write("p.esp", plugin()));
     std::string longName = std::string(250, 'n') + ".esp"; // 254 bytes: the name limit is 255
-    ASSERT_TRUE(saveAsPath(s, d, dir.file(longName)));
+    ASSERT_TRUE(saveAsPath(s, d, dir.file(longName)).isDone());
     EXPECT_EQ(splitRecords(readAll(dir.file(longName))).back(), splitRecords(plugin()).back());
     for (const auto& entry : std::filesystem::directory_iterator(dir.file("")))
         EXPECT_EQ(entry.path().filename().string().find(".quillon"), std::string::npos);

@@ -289,3 +289,33 @@ TEST(Corpus, ExportThenImportChangesNothing) {
         EXPECT_TRUE(serialiseStore(s.store, 1, 0, prompts) == before);
     }
 }
+
+// The command line answers by these identities and exits by these outcomes, never by the words.
+TEST(Commands, NameTheirQuestionsAndReportTheirOutcomes) {
+    Fixture f({{"7", "fargoth", "Hi."}});
+    f.dialogs.answers = {Answer::No, Answer::No};
+    Outcome imported = importDialogueFrom(f.session, f.dialogs,
+                                          f.dir.write("in.txt", "\"7\"\r\n\"Topic\"\r\n\"fargoth\"\r\n\"" +
+                                                                    std::string(600, 'x') + "\"\r\n"));
+    EXPECT_TRUE(imported.isDone());
+    ASSERT_EQ(f.dialogs.asked.size(), 2u);
+    EXPECT_EQ(f.dialogs.asked[0].id, QuestionId::RemoveLineBreaks);
+    EXPECT_EQ(f.dialogs.asked[1].id, QuestionId::LongResponse);
+    EXPECT_EQ(f.dialogs.asked[1].subject, "7");
+
+    Outcome mismatch = importDialogueFrom(f.session, f.dialogs, f.dir.write("bad.txt", "\"8\"\r\n"));
+    EXPECT_TRUE(mismatch.isFailed());
+    EXPECT_NE(mismatch.reason().find("Found ID: 8"), std::string::npos);
+
+    f.dialogs.savePaths = {""};
+    EXPECT_TRUE(ExportDialogue(f.session, f.dialogs).isDeclined());
+    f.dialogs.savePaths = {f.dir.file("q.xml")};
+    f.dialogs.inputs = {"Balmora"};
+    EXPECT_TRUE(ExportQuotesXml(f.session, f.dialogs).isDone());
+    EXPECT_EQ(f.dialogs.asked.back().id, QuestionId::CityName);
+
+    Fixture empty({});
+    EXPECT_TRUE(empty.session.store.INFO.empty());
+    EXPECT_TRUE(exportDialogueTo(empty.session, empty.dialogs, empty.dir.file("e.txt")).isFailed());
+    EXPECT_TRUE(DetectLoops(empty.session, empty.dialogs).isDeclined());
+}

@@ -126,7 +126,7 @@ TEST(QtDialogs, QuestionsThatCanDestroyAFileDefaultToKeepingIt) {
     QString chosen;
     QStringList buttons;
     pressEnterOnNextBox(&chosen, &buttons);
-    EXPECT_EQ(dialogs.message("Replace it?", Buttons::YesNoDefaultNo, Icon::Warning, ""), Answer::No);
+    EXPECT_EQ(dialogs.ask({QuestionId::ReplaceOtherFile}, "Replace it?", Buttons::YesNoDefaultNo, Icon::Warning, ""), Answer::No);
     EXPECT_EQ(chosen, "&No");
 
     DamageReport report{"mod.esp", {{"LUAL", "lua", 418, "record of unknown type LUAL"}}, true};

@@ -159,7 +159,7 @@ TEST(DamagedOutput, IsNamedRefusedRepairedOrForced) {
     std::string before = readAll(path);
 
     d.damageChoices = {DamageChoice::WriteNothing};
-    EXPECT_FALSE(Save(s, d));
+    EXPECT_FALSE(Save(s, d).isDone());
     EXPECT_EQ(readAll(path), before);
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     ASSERT_EQ(d.damageReports.size(), 1u);
@@ -176,7 +176,7 @@ TEST(DamagedOutput, IsNamedRefusedRepairedOrForced) {
     EXPECT_EQ(report.records[1].cause, "record of unknown type LUAL: its 4,123 bytes of data are not kept");
 
     d.damageChoices = {DamageChoice::Repair};
-    ASSERT_TRUE(Save(s, d));
+    ASSERT_TRUE(Save(s, d).isDone());
     std::string repaired = readAll(path);
     EXPECT_TRUE(framesThroughout(repaired));
     std::vector<std::string> records = splitRecords(repaired);
@@ -191,7 +191,7 @@ TEST(DamagedOutput, IsNamedRefusedRepairedOrForced) {
     std::string partsBytes = serialiseStore(fresh, 4, 0, prompts);
     d.answers = {Answer::Yes};
     openPath(s, d, dir.write("again.esp", before));
-    ASSERT_TRUE(Save(s, d));
+    ASSERT_TRUE(Save(s, d).isDone());
     EXPECT_EQ(readAll(dir.file("again.esp")), partsBytes);
     EXPECT_FALSE(framesThroughout(partsBytes));
 }
@@ -222,13 +222,13 @@ TEST(DamagedOutput, EditsThatLeaveSizesBehindAreNamedAndRepaired) {
     d.loopFixes = {LoopFix{0, "Hello there, friend.", "Goodbye"}};
     DetectLoops(s, d);
     ASSERT_EQ(s.store.INFO[0].NAME, "Hello there, friend.");
-    EXPECT_FALSE(Save(s, d));
+    EXPECT_FALSE(Save(s, d).isDone());
     ASSERT_EQ(d.damageReports.size(), 1u);
     ASSERT_EQ(d.damageReports[0].records.size(), 1u);
     EXPECT_EQ(d.damageReports[0].records[0].id, "77");
     EXPECT_EQ(d.damageReports[0].records[0].cause, "response text changed by the loop fix without its sizes");
     d.damageChoices = {DamageChoice::Repair};
-    ASSERT_TRUE(Save(s, d));
+    ASSERT_TRUE(Save(s, d).isDone());
     RecordStore back = readStore(readAll(dir.file("loop.esp")));
     ASSERT_EQ(back.INFO.size(), 1u);
     EXPECT_EQ(back.INFO[0].NAME, "Hello there, friend.");
@@ -244,7 +244,7 @@ TEST(DamagedOutput, EditsThatLeaveSizesBehindAreNamedAndRepaired) {
     ed.openPaths = {text};
     ImportDialogue(e, ed);
     ASSERT_TRUE(e.store.INFO[0].NAME.empty());
-    EXPECT_FALSE(Save(e, ed));
+    EXPECT_FALSE(Save(e, ed).isDone());
     ASSERT_EQ(ed.damageReports.size(), 1u);
     EXPECT_NE(ed.damageReports[0].records[0].cause.find("emptied by the import"), std::string::npos);
 }
@@ -257,14 +257,14 @@ TEST(RiskyQuestions, SaveAfterARefusedOpenAsksBeforeReplacingAnotherFile) {
     ScriptedDialogs d;
     openPath(s, d, mod);
     openPath(s, d, notes);    // refused by its name; the records of mod.esp stay
-    EXPECT_FALSE(Save(s, d)); // unanswered: the default is No
+    EXPECT_FALSE(Save(s, d).isDone()); // unanswered: the default is No
     EXPECT_EQ(
         d.messages.back(),
         "The records open here were read from \"mod.esp\". Save would replace \"notes.txt\" with them.");
     EXPECT_EQ(readAll(notes), "my notes");
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     d.answers = {Answer::Yes};
-    EXPECT_TRUE(Save(s, d));
+    EXPECT_TRUE(Save(s, d).isDone());
     EXPECT_EQ(splitRecords(readAll(notes)).back(), splitRecords(readAll(mod)).back());
 }
 

@@ -93,7 +93,7 @@ TEST(Save, WritesOverTheCurrentFileWithDisplayedTotal) {
     std::string path = dir.write("p.esp", plugin(5, 2));
     openPath(s, d, path);
     s.counts.shown[kTotalLabel] = "7"; // the header's count comes from the display
-    ASSERT_TRUE(Save(s, d));
+    ASSERT_TRUE(Save(s, d).isDone());
     EXPECT_EQ(logLines(s).at(2), "-Writing \"p.esp\"...");
     EXPECT_EQ(withoutTime(logLines(s).at(3)), "-Finished writing \"p.esp\" in T seconds. 7 records have been written.");
     std::string out = readAll(path);
@@ -110,7 +110,7 @@ TEST(Save, FailureKeepsTheOldFile) {
     if (::geteuid() == 0) GTEST_SKIP() << "running as root: a read-only folder does not stop writing";
     std::string before = readAll(path);
     std::filesystem::permissions(dir.file(""), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    bool ok = Save(s, d);
+    bool ok = Save(s, d).isDone();
     std::filesystem::permissions(dir.file(""), std::filesystem::perms::owner_all);
     EXPECT_FALSE(ok);
     EXPECT_EQ(logLines(s).back(), "-An error occured. Nothing has been written.");
@@ -124,7 +124,7 @@ TEST(Save, FullDiskKeepsTheOldFileAndSaysSo) {
     TempDir dir;
     openPath(s, d, dir.write("f.esp", plugin(1, 1)));
     s.currentPath = s.recordsPath = "/dev/full/x.esp";
-    EXPECT_FALSE(Save(s, d));
+    EXPECT_FALSE(Save(s, d).isDone());
     EXPECT_EQ(logLines(s).back(), "-An error occured. Nothing has been written.");
     EXPECT_NE(d.messages.back().find("could not be written"), std::string::npos);
 }

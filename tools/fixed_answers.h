@@ -15,12 +15,20 @@ public:
     std::string file;        // every file dialog's answer
 
     void tell(const std::string&) override {}
-    Reply ask(const std::string&, bool withCancel) override { return withCancel ? Reply::Cancel : Reply::Yes; }
-    Answer message(const std::string&, Buttons buttons, Icon, const std::string&) override {
-        // Cancel keeps every unknown record and trims every over-long text without asking again.
-        return buttons == Buttons::Ok ? Answer::Ok : buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+    void tell(const std::string&, Icon) override {}
+    Reply ask(const Question& what, const std::string&, bool) override {
+        switch (answerTo(what.id)) {
+        case Answer::Yes: return Reply::Yes;
+        case Answer::Cancel: return Reply::Cancel;
+        default: return Reply::No;
+        }
     }
-    std::string input(const std::string&, const std::string&, const std::string&) override { return typed; }
+    Answer ask(const Question& what, const std::string&, Buttons, Icon, const std::string&) override {
+        return answerTo(what.id);
+    }
+    std::string input(const Question&, const std::string&, const std::string&, const std::string&) override {
+        return typed;
+    }
     std::string openFile(const FileRequest&) override { return file; }
     std::string saveFile(const FileRequest&) override { return file; }
     std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
@@ -33,6 +41,19 @@ public:
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
     void about() override {}
     void refreshLog() override {}
+
+private:
+    // Cancel keeps every unknown record and trims every over-long text without asking again; a
+    // file is replaced only when nobody else's work is in it.
+    static Answer answerTo(QuestionId id) {
+        switch (id) {
+        case QuestionId::UnknownRecord:
+        case QuestionId::LongResponse:
+        case QuestionId::CleanedTooLong: return Answer::Cancel;
+        case QuestionId::WriteSavegame: return Answer::Yes;
+        default: return Answer::No;
+        }
+    }
 };
 
 } // namespace quillon

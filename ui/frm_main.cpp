@@ -261,9 +261,9 @@ void FrmMain::run(const std::function<void()>& command) {
         command();
     } catch (const std::bad_alloc&) {
         // The window and whatever the session still holds stay; only the command ends.
-        dialogs_->message("Not enough memory to finish the command. The work open here is kept; save it under a "
-                          "new name if it was changed.",
-                          Buttons::Ok, Icon::Critical, "");
+        dialogs_->tell("Not enough memory to finish the command. The work open here is kept; save it under a "
+                       "new name if it was changed.",
+                       Icon::Critical);
     }
     refresh();
 }

@@ -73,15 +73,14 @@ Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, c
     }
 }
 
-std::string QtDialogs::input(const std::string& prompt, const std::string& title, const std::string& defaultText) {
+std::string QtDialogs::input(const Question&, const std::string& prompt, const std::string& title, const std::string& defaultText) {
     bool ok = false;
     QString typed = QInputDialog::getText(owner_, titleOf(title), shown(prompt), QLineEdit::Normal,
                                           fromCodePage(defaultText), &ok);
     if (!ok) return {};
     std::optional<std::string> bytes = toCodePage(typed);
     if (!bytes) {
-        message("The text holds characters that the file's code page (Windows-1252) cannot store.", Buttons::Ok,
-                Icon::Warning, "");
+        tell("The text holds characters that the file's code page (Windows-1252) cannot store.", Icon::Warning);
         return {};
     }
     return *bytes;

@@ -18,8 +18,13 @@ class QtDialogs : public Dialogs {
 public:
     QtDialogs(QWidget* owner, std::function<void()> repaintLog) : owner_(owner), repaintLog_(std::move(repaintLog)) {}
 
-    Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
-    std::string input(const std::string& prompt, const std::string& title, const std::string& defaultText) override;
+    void tell(const std::string& text, Icon icon) override { message(text, Buttons::Ok, icon, ""); }
+    // The window shows every question to the user, whatever it asks.
+    Answer ask(const Question&, const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
+        return message(text, buttons, icon, title);
+    }
+    std::string input(const Question& what, const std::string& prompt, const std::string& title,
+                      const std::string& defaultText) override;
     std::string openFile(const FileRequest& request) override;
     std::string saveFile(const FileRequest& request) override;
     std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override;
@@ -31,6 +36,7 @@ public:
     void refreshLog() override { repaintLog_(); }
 
 private:
+    Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title);
     std::string chooseFile(const FileRequest& request, bool save);
 
     QWidget* owner_;

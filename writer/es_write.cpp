@@ -103,7 +103,8 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
     using Clock = std::chrono::steady_clock;
     std::int32_t fileType = fileTypeFor(path);
     if (fileType == 32 &&
-        prompts.ask("Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
+        prompts.ask({QuestionId::WriteSavegame},
+                    "Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
                     "unusable file. Are you sure you want to continue?",
                     false) != Reply::Yes)
         return {WriteResult::Declined, 0, {}};
