@@ -2,6 +2,7 @@
 
 #include "records/read_common.h"
 
+#include <array>
 #include <cctype>
 #include <chrono>
 #include <cstring>
@@ -19,11 +20,16 @@ double msSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-// Sizes the arrays that hold most of a big file from a walk of the record headers, so that they
-// do not grow by copying while the file is read. A file whose sizes mislead gets smaller arrays
-// that then grow as usual.
-void reserveLargeArrays(RecordStore& store, const std::string& bytes) {
-    std::size_t info = 0, dial = 0, cell = 0, npc = 0, land = 0, stat = 0;
+// Sizes every array from a walk of the record headers, so that they do not grow by copying while
+// the file is read. A file whose sizes mislead gets smaller arrays that then grow as usual.
+void reserveArrays(RecordStore& store, const std::string& bytes) {
+    enum : std::size_t {
+#define QUILLON_INDEX(T, ...) k##T,
+        QUILLON_RECORD_TYPES(QUILLON_INDEX)
+#undef QUILLON_INDEX
+        kTypes
+    };
+    std::array<std::size_t, kTypes> counts{};
     for (std::size_t p = 0; p + 16 <= bytes.size();) {
         Tag t;
         std::int32_t size;
@@ -31,22 +37,24 @@ void reserveLargeArrays(RecordStore& store, const std::string& bytes) {
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
         switch (t) {
-        case tag("INFO"): ++info; break;
-        case tag("DIAL"): ++dial; break;
-        case tag("CELL"): ++cell; break;
-        case tag("NPC_"): ++npc; break;
-        case tag("LAND"): ++land; break;
-        case tag("STAT"): ++stat; break;
+#define QUILLON_COUNT(T, ...)                                                                                          \
+    case tag(#T): ++counts[k##T]; break;
+            QUILLON_RECORD_TYPES(QUILLON_COUNT)
+#undef QUILLON_COUNT
         default: break;
         }
         p += 16 + std::size_t(size);
     }
-    store.INFO.reserve(info);
-    store.DIAL.reserve(dial);
-    store.CELL.reserve(cell);
-    store.NPC_.reserve(npc);
-    store.LAND.reserve(land);
-    store.STAT.reserve(stat);
+#define QUILLON_RESERVE(T, ...) store.T.reserve(counts[k##T]);
+    QUILLON_RECORD_TYPES(QUILLON_RESERVE)
+#undef QUILLON_RESERVE
+}
+
+// Reads one record into a fresh element and appends it to its array.
+template <class R, class Reader> void append(std::vector<R>& array, ByteCursor& in, RecordStore& store, Reader read) {
+    R scratch;
+    read(in, scratch, store);
+    array.push_back(std::move(scratch));
 }
 
 std::string unknownRecordQuestion(std::size_t offset, Tag t) {
@@ -130,55 +138,21 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
     auto source = std::make_shared<const std::string>(std::move(bytes));
     store.source = source;
     std::size_t size = source->size();
-    reserveLargeArrays(store, *source);
+    reserveArrays(store, *source);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
-    std::size_t recordEnd = 0; // where the last record's size word says it ends
-    Tag t = in.tag();
-    while (!in.atEnd()) {
-        std::size_t tagOffset = in.pos() - 4;
-        {
-            ByteCursor peek = in;
-            std::int64_t declared = peek.i32();
-            recordEnd = in.pos() + 12 + std::size_t(declared > 0 ? declared : 0);
-        }
-        Tag next = 0;
+    // A record needs more than its tag: four bytes or fewer left over are passed over.
+    while (!in.failed() && in.remaining() > 4) {
+        Tag t = in.peekTag();
         switch (t) {
-        case tag("TES3"): next = appendTo(store.TES3, [&](auto& r) { return readTes3(in, r); }); break;
-        case tag("DIAL"):
-            next = appendTo(store.DIAL, [&](auto& r) { return readDial(in, r, store.CurrentTopic); });
-            break;
-        case tag("INFO"):
-            next = appendTo(store.INFO, [&](auto& r) { return readInfo(in, r, store.CurrentTopic); });
-            break;
-        case tag("NPC_"): next = appendTo(store.NPC_, [&](auto& r) { return readNpc(in, r); }); break;
-        case tag("CREA"): next = appendTo(store.CREA, [&](auto& r) { return readCrea(in, r); }); break;
-        case tag("CELL"): next = appendTo(store.CELL, [&](auto& r) { return readCell(in, r); }); break;
-        default: {
-            if (readObjectRecord(in, t, store, next)) break;
-            std::vector<RawRecord>* raw = nullptr;
-            switch (t) {
-            case tag("LAND"): raw = &store.LAND; break;
-            case tag("CNTC"): raw = &store.CNTC; break;
-            case tag("CREC"): raw = &store.CREC; break;
-            case tag("FMAP"): raw = &store.FMAP; break;
-            case tag("GAME"): raw = &store.GAME; break;
-            case tag("JOUR"): raw = &store.JOUR; break;
-            case tag("KLST"): raw = &store.KLST; break;
-            case tag("NPCC"): raw = &store.NPCC; break;
-            case tag("PCDT"): raw = &store.PCDT; break;
-            case tag("QUES"): raw = &store.QUES; break;
-            case tag("REFR"): raw = &store.REFR; break;
-            case tag("SPLM"): raw = &store.SPLM; break;
-            case tag("STLN"): raw = &store.STLN; break;
-            default: break;
-            }
-            if (raw) {
-                next = appendTo(*raw, [&](auto& r) { return readRaw(in, t, r); });
-                break;
-            }
+#define QUILLON_DISPATCH(T, Record, read, ...)                                                                        \
+    case tag(#T): append(store.T, in, store, read); break;
+            QUILLON_RECORD_TYPES(QUILLON_DISPATCH)
+#undef QUILLON_DISPATCH
+        default:
             if (!store.SkipUnknownPrompt) {
                 Clock::time_point asked = Clock::now();
-                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)}, unknownRecordQuestion(tagOffset, t), true);
+                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)}, unknownRecordQuestion(in.pos(), t),
+                                          true);
                 // Only the last question's time is taken off the result: replaced, not added.
                 pauseMs = msSince(asked);
                 if (reply == Reply::No) {
@@ -187,14 +161,15 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
                 }
                 if (reply == Reply::Cancel) store.SkipUnknownPrompt = true;
             }
-            next = appendTo(store.Unknown, [&](auto& r) { return readRaw(in, t, r); });
+            append(store.Unknown, in, store, readRaw);
             break;
         }
-        }
         ++recordCount;
-        t = next;
     }
-    if (diagnostics) diagnostics->truncated = recordEnd > size;
+    if (diagnostics) {
+        diagnostics->truncated = in.endsInsideRecord();
+        if (diagnostics->truncated) diagnostics->truncatedRecordAt = in.lastRecordStart();
+    }
     if (trimAtEnd) TrimRecords(store);
     store.SkipUnknownPrompt = false;
     double ms = msSince(start) - pauseMs;

@@ -11,6 +11,7 @@ namespace quillon {
 struct ReadDiagnostics {
     std::string loadError;
     bool truncated = false;
+    std::size_t truncatedRecordAt = 0; // where the record the file ends inside begins
 };
 
 // Reads the whole data file at path into store. Returns the milliseconds spent (less the time the

@@ -4,148 +4,84 @@ namespace quillon {
 
 namespace {
 
-// A run of one repeated sub-record. Every run is kept, in file order: a file the game writes
-// has one run per list, and a later run (which the editors can leave) is appended rather than
-// overwriting the first, so that nothing its record's Size counts is lost. Returns the first tag
-// after the run.
-template <class Entry, class ReadEntry>
-Tag readRun(ByteCursor& in, Tag runTag, std::vector<Entry>& list, ReadEntry&& readEntry) {
-    Tag t = runTag;
-    while (t == runTag) {
-        readEntry(list.emplace_back());
-        t = in.tag();
-    }
-    return t;
+// One AI package of a fixed layout, appended to its list.
+template <class Package, class Layout>
+bool readPackage(ByteCursor& in, std::vector<Package>& list, i32 Package::*size, Layout layout) {
+    Package& p = list.emplace_back();
+    readFields(in, p.*size, p, layout);
+    return true;
 }
 
 // A follow or escort package and the CNDT cell name that may come right after it.
-Tag readFollow(ByteCursor& in, FollowPackage& p) {
-    p.Size = in.i32();
-    p.X = in.f32();
-    p.Y = in.f32();
-    p.Z = in.f32();
-    p.Duration = in.i16();
-    in.bytes(p.Target);
-    p.Reset = in.i16();
-    Tag t = in.tag();
-    if (t == tag("CNDT")) {
-        zsub(in, p.CNDTSize, p.CNDT);
-        t = in.tag();
-    }
-    return t;
+void readFollow(ByteCursor& in, FollowPackage& p) {
+    readFields(in, p.Size, p, layout::follow);
+    if (in.nextIs(tag("CNDT"))) readZ(in, p.CNDTSize, p.CNDT);
 }
 
-// A run of travel destinations, each with the DNAM cell name that may follow it.
-Tag readDestination(ByteCursor& in, TravelDestination& d) {
-    d.DODTSize = in.i32();
-    for (float& f : d.Position) f = in.f32();
-    Tag t = in.tag();
-    if (t == tag("DNAM")) {
-        zsub(in, d.DNAMSize, d.DNAM);
-        t = in.tag();
-    }
-    return t;
+// A travel destination and the DNAM cell name that may come right after it.
+void readDestination(ByteCursor& in, TravelDestination& d) {
+    readFields(in, d.DODTSize, d, layout::destination);
+    if (in.nextIs(tag("DNAM"))) readZ(in, d.DNAMSize, d.DNAM);
 }
 
-// The sub-records NPC_ and CREA records share after their texts.
-Step readActorPart(ByteCursor& in, Tag& t, RecordHeader& r, ActorLists& a) {
+// The sub-records NPC_ and CREA records share after their texts; false for any other tag.
+bool readActorPart(ByteCursor& in, Tag t, RecordHeader& r, ActorLists& a) {
     switch (t) {
-    case tag("FLAG"):
-        a.FLAGSize = in.i32();
-        a.FLAG[0] = in.u8();
-        a.FLAG[1] = in.u8();
-        in.skip(2); // the upper two bytes of the flag word are not kept
-        return Step::Next;
-    case tag("INDX"): vsub(in, a.INDXSize, a.INDX); return Step::Next;
-    case tag("NPCO"):
-        t = readRun(in, t, a.Inventory, [&](InventoryItem& e) {
-            e.NPCOSize = in.i32();
-            e.Count = in.i32();
-            in.bytes(e.Item);
-        });
-        return Step::InHand;
-    case tag("NPCS"):
-        t = readRun(in, t, a.Spells, [&](SpellEntry& e) {
-            e.NPCSSize = in.i32();
-            in.bytes(e.Spell);
-        });
-        return Step::InHand;
-    case tag("AIDT"):
-        bsub(in, a.AIDTSize, a.AIDT);
-        a.AIDTFlags = in.i32();
-        return Step::Next;
-    case tag("AI_W"): {
-        // The package lists count across runs: every package lands in its list in file order.
-        WanderPackage& p = a.Wander.emplace_back();
-        p.AI_WSize = in.i32();
-        p.Distance = in.i16();
-        p.Duration = in.i16();
-        p.TimeOfDay = in.u8();
-        in.bytes(p.Idles);
-        p.Reset = in.u8();
-        return Step::Next;
-    }
-    case tag("AI_T"): {
-        TravelPackage& p = a.Travel.emplace_back();
-        p.AI_TSize = in.i32();
-        p.X = in.f32();
-        p.Y = in.f32();
-        p.Z = in.f32();
-        p.Reset = in.i32();
-        return Step::Next;
-    }
-    case tag("AI_A"): {
-        ActivatePackage& p = a.Activate.emplace_back();
-        p.AI_ASize = in.i32();
-        in.bytes(p.Target);
-        p.Reset = in.u8();
-        return Step::Next;
-    }
-    case tag("AI_F"): t = readFollow(in, a.Follow.emplace_back()); return Step::InHand;
-    case tag("AI_E"): t = readFollow(in, a.Escort.emplace_back()); return Step::InHand;
-    case tag("DODT"): t = readDestination(in, a.Destinations.emplace_back()); return Step::InHand;
-    case tag("DELE"): skipDele(in, r); return Step::Next;
-    default: return Step::End;
+    case tag("FLAG"): readFields(in, a.FLAGSize, a, layout::actorFlags); return true;
+    case tag("INDX"): readV(in, a.INDXSize, a.INDX); return true;
+    case tag("NPCO"): return readRun(in, a.Inventory, [&](InventoryItem& e) { readInventoryItem(in, e); });
+    case tag("NPCS"): return readRun(in, a.Spells, [&](SpellEntry& e) { readSpell(in, e); });
+    case tag("AIDT"): readFields(in, a.AIDTSize, a, layout::aiData); return true;
+    // The package lists count across runs: every package lands in its list in file order.
+    case tag("AI_W"): return readPackage(in, a.Wander, &WanderPackage::AI_WSize, layout::wander);
+    case tag("AI_T"): return readPackage(in, a.Travel, &TravelPackage::AI_TSize, layout::travel);
+    case tag("AI_A"): return readPackage(in, a.Activate, &ActivatePackage::AI_ASize, layout::activate);
+    case tag("AI_F"): readFollow(in, a.Follow.emplace_back()); return true;
+    case tag("AI_E"): readFollow(in, a.Escort.emplace_back()); return true;
+    case tag("DODT"): readDestination(in, a.Destinations.emplace_back()); return true;
+    case tag("DELE"): return readDele(in, r);
+    default: return false;
     }
 }
 
 } // namespace
 
-Tag readNpc(ByteCursor& in, NpcRecord& r) {
-    return readRecord(in, r, [&](Tag& t) {
+void readNpc(ByteCursor& in, NpcRecord& r, RecordStore&) {
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
-        case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
-        case tag("MODL"): zsub(in, r.MODLSize, r.MODL); return Step::Next;
-        case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
-        case tag("RNAM"): zsub(in, r.RNAMSize, r.RNAM); return Step::Next;
-        case tag("CNAM"): zsub(in, r.CNAMSize, r.CNAM); return Step::Next;
-        case tag("ANAM"): zsub(in, r.ANAMSize, r.ANAM); return Step::Next;
-        case tag("BNAM"): zsub(in, r.BNAMSize, r.BNAM); return Step::Next;
-        case tag("KNAM"): zsub(in, r.KNAMSize, r.KNAM); return Step::Next;
-        case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
+        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
+        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
+        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
+        case tag("RNAM"): readZ(in, r.RNAMSize, r.RNAM); return true;
+        case tag("CNAM"): readZ(in, r.CNAMSize, r.CNAM); return true;
+        case tag("ANAM"): readZ(in, r.ANAMSize, r.ANAM); return true;
+        case tag("BNAM"): readZ(in, r.BNAMSize, r.BNAM); return true;
+        case tag("KNAM"): readZ(in, r.KNAMSize, r.KNAM); return true;
+        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("NPDT"):
             // 12 bytes for an auto-calculated NPC; any other size is taken as the full 52.
+            in.skip(4);
             r.NPDTSize = in.i32();
             if (r.NPDTSize == 12)
-                in.bytes(r.NPDTShort);
+                in.fields(r.NPDTShort);
             else
-                in.bytes(r.NPDT);
-            return Step::Next;
+                in.fields(r.NPDT);
+            return true;
         default: return readActorPart(in, t, r, r);
         }
     });
 }
 
-Tag readCrea(ByteCursor& in, CreaRecord& r) {
-    return readRecord(in, r, [&](Tag& t) {
+void readCrea(ByteCursor& in, CreaRecord& r, RecordStore&) {
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
-        case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
-        case tag("MODL"): zsub(in, r.MODLSize, r.MODL); return Step::Next;
-        case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
-        case tag("CNAM"): zsub(in, r.CNAMSize, r.CNAM); return Step::Next;
-        case tag("SCRI"): zsub(in, r.SCRISize, r.SCRI); return Step::Next;
-        case tag("NPDT"): bsub(in, r.NPDTSize, r.NPDT); return Step::Next;
-        case tag("XSCL"): vsub(in, r.XSCLSize, r.XSCL); return Step::Next;
+        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
+        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
+        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
+        case tag("CNAM"): readZ(in, r.CNAMSize, r.CNAM); return true;
+        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
+        case tag("NPDT"): readV(in, r.NPDTSize, r.NPDT); return true;
+        case tag("XSCL"): readV(in, r.XSCLSize, r.XSCL); return true;
         default: return readActorPart(in, t, r, r);
         }
     });

@@ -17,143 +17,109 @@ bool isSaveGameSub(Tag t) {
     }
 }
 
-void readPlacement(ByteCursor& in, std::array<float, 6>& p) {
-    for (float& f : p) f = in.f32();
-}
-
-// The sub-records of one reference after its FRMR; returns the first tag it does not take.
-Tag readReferenceBody(ByteCursor& in, CellReference& ref) {
-    Tag t = in.tag();
-    for (;;) {
-        switch (t) {
-        case tag("NAME"): zsub(in, ref.NAMESize, ref.NAME); break;
-        case tag("DNAM"): zsub(in, ref.more.get().DNAMSize, ref.more.get().DNAM); break;
-        case tag("KNAM"): zsub(in, ref.more.get().KNAMSize, ref.more.get().KNAM); break;
-        case tag("TNAM"): zsub(in, ref.more.get().TNAMSize, ref.more.get().TNAM); break;
-        case tag("ANAM"): zsub(in, ref.more.get().ANAMSize, ref.more.get().ANAM); break;
-        case tag("CNAM"): zsub(in, ref.more.get().CNAMSize, ref.more.get().CNAM); break;
-        case tag("BNAM"): zsub(in, ref.more.get().BNAMSize, ref.more.get().BNAM); break;
-        case tag("XSOL"): zsub(in, ref.more.get().XSOLSize, ref.more.get().XSOL); break;
-        case tag("XCHG"): vsub(in, ref.more.get().XCHGSize, ref.more.get().XCHG); break;
-        case tag("XSCL"): vsub(in, ref.XSCLSize, ref.XSCL); break;
-        case tag("FLTV"): vsub(in, ref.more.get().FLTVSize, ref.more.get().FLTV); break;
-        case tag("INTV"): vsub(in, ref.more.get().INTVSize, ref.more.get().INTV); break;
-        case tag("INDX"): vsub(in, ref.more.get().INDXSize, ref.more.get().INDX); break;
-        case tag("NAM9"): vsub(in, ref.more.get().NAM9Size, ref.more.get().NAM9); break;
-        case tag("UNAM"): vsub(in, ref.more.get().UNAMSize, ref.more.get().UNAM); break;
-        case tag("DODT"):
-            ref.more.get().DODTSize = in.i32();
-            readPlacement(in, ref.more.get().DODT);
-            break;
-        case tag("DATA"):
-            ref.DATASize = in.i32();
-            readPlacement(in, ref.DATA);
-            t = in.tag();
-            if (t == tag("DATA")) { // save games carry a second DATA right behind the first
-                ref.more.get().DATA2Size = in.i32();
-                readPlacement(in, ref.more.get().DATA2);
-                break;
-            }
-            continue;
-        case tag("ZNAM"):
-            ref.Disabled = 1;
-            in.skip(5);
-            break;
-        case tag("DELE"):
-            ref.Deleted = 1;
-            in.skip(8);
-            break;
-        default:
-            if (!isSaveGameSub(t)) return t;
-            {
-                i32 size = in.i32();
-                ref.more.get().SaveData.push_back(tagText(t) + in.text(size));
-            }
-            break;
-        }
-        t = in.tag();
+// One sub-record of a reference after its FRMR; false for the first tag that is not its own.
+bool readReferencePart(ByteCursor& in, Tag t, CellReference& ref) {
+    switch (t) {
+    case tag("NAME"): readZ(in, ref.NAMESize, ref.NAME); return true;
+    case tag("DNAM"): readZ(in, ref.more.get().DNAMSize, ref.more.get().DNAM); return true;
+    case tag("KNAM"): readZ(in, ref.more.get().KNAMSize, ref.more.get().KNAM); return true;
+    case tag("TNAM"): readZ(in, ref.more.get().TNAMSize, ref.more.get().TNAM); return true;
+    case tag("ANAM"): readZ(in, ref.more.get().ANAMSize, ref.more.get().ANAM); return true;
+    case tag("CNAM"): readZ(in, ref.more.get().CNAMSize, ref.more.get().CNAM); return true;
+    case tag("BNAM"): readZ(in, ref.more.get().BNAMSize, ref.more.get().BNAM); return true;
+    case tag("XSOL"): readZ(in, ref.more.get().XSOLSize, ref.more.get().XSOL); return true;
+    case tag("XCHG"): readV(in, ref.more.get().XCHGSize, ref.more.get().XCHG); return true;
+    case tag("XSCL"): readV(in, ref.XSCLSize, ref.XSCL); return true;
+    case tag("FLTV"): readV(in, ref.more.get().FLTVSize, ref.more.get().FLTV); return true;
+    case tag("INTV"): readV(in, ref.more.get().INTVSize, ref.more.get().INTV); return true;
+    case tag("INDX"): readV(in, ref.more.get().INDXSize, ref.more.get().INDX); return true;
+    case tag("NAM9"): readV(in, ref.more.get().NAM9Size, ref.more.get().NAM9); return true;
+    case tag("UNAM"): readV(in, ref.more.get().UNAMSize, ref.more.get().UNAM); return true;
+    case tag("DODT"): readV(in, ref.more.get().DODTSize, ref.more.get().DODT); return true;
+    case tag("DATA"):
+        readV(in, ref.DATASize, ref.DATA);
+        // Save games carry a second DATA right behind the first.
+        if (in.nextIs(tag("DATA"))) readV(in, ref.more.get().DATA2Size, ref.more.get().DATA2);
+        return true;
+    case tag("ZNAM"):
+        ref.Disabled = 1;
+        in.skip(9);
+        return true;
+    case tag("DELE"):
+        ref.Deleted = 1;
+        in.skip(12);
+        return true;
+    default:
+        if (!isSaveGameSub(t)) return false;
+        in.skip(4);
+        i32 size = in.i32();
+        ref.more.get().SaveData.push_back(tagText(t) + in.text(size));
+        return true;
     }
 }
 
-void readFrmr(ByteCursor& in, CellReference& ref) {
-    ref.FRMRSize = in.i32();
-    in.raw(ref.FRMR.data(), 3);
-    ref.FRMRByte = in.u8();
+// A reference: FRMR, then its sub-records up to the first tag that is not its own.
+void readReference(ByteCursor& in, CellReference& ref) {
+    readFields(in, ref.FRMRSize, ref, layout::reference);
+    while (readReferencePart(in, in.peekTag(), ref)) {
+    }
+}
+
+// A moved reference: MVRF and the cell it moved to, then the reference itself.
+void readMovedReference(ByteCursor& in, CellReference& ref) {
+    ReferenceDetails& moved = ref.more.get();
+    readFields(in, moved.MVRFSize, moved, layout::movedReference);
+    if (in.nextIs(tag("CNDT")))
+        readV(in, moved.CNDTSize, moved.CNDT);
+    else if (in.nextIs(tag("CNAM")))
+        readU(in, moved.MovedCellSize, moved.MovedCell);
+    else
+        in.skip(4); // with neither, the FRMR's tag is passed over and its size word read as the tag
+    readFields(in, ref.FRMRSize, ref, layout::reference);
+    while (readReferencePart(in, in.peekTag(), ref)) {
+    }
 }
 
 } // namespace
 
-Tag readCell(ByteCursor& in, CellRecord& r) {
+void readCell(ByteCursor& in, CellRecord& r, RecordStore&) {
     bool pastNam0 = false;
-    Tag next = readRecord(in, r, [&](Tag& t) {
+    auto newReference = [&]() -> CellReference& {
+        CellReference& ref = r.References.emplace_back();
+        ref.Persistent = pastNam0 ? 0 : 1;
+        return ref;
+    };
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
-        case tag("NAME"): zsub(in, r.NAMESize, r.NAME); return Step::Next;
-        case tag("RGNN"): zsub(in, r.RGNNSize, r.RGNN); return Step::Next;
-        case tag("DATA"):
-            r.DATASize = in.i32();
-            r.CellFlags = in.i32();
-            r.GridX = in.i32();
-            r.GridY = in.i32();
-            return Step::Next;
+        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
+        case tag("RGNN"): readZ(in, r.RGNNSize, r.RGNN); return true;
+        case tag("DATA"): readFields(in, r.DATASize, r, layout::cellData); return true;
         case tag("NAM0"):
-            vsub(in, r.NAM0Size, r.NAM0);
+            readV(in, r.NAM0Size, r.NAM0);
             pastNam0 = true; // references from here on are temporary
-            return Step::Next;
-        case tag("NAM5"):
-            bsub(in, r.NAM5Size, r.NAM5);
-            in.skip(1);
-            return Step::Next;
-        case tag("WHGT"): vsub(in, r.WHGTSize, r.WHGT); return Step::Next;
-        case tag("INTV"): vsub(in, r.INTVSize, r.INTV); return Step::Next;
-        case tag("AMBI"):
-            r.AMBISize = in.i32();
-            for (Bytes<3>* colour : {&r.Ambient, &r.Sunlight, &r.Fog}) {
-                in.bytes(*colour);
-                in.skip(1);
-            }
-            r.FogDensity = in.f32();
-            return Step::Next;
+            return true;
+        case tag("NAM5"): readFields(in, r.NAM5Size, r, layout::mapColour); return true;
+        case tag("WHGT"): readV(in, r.WHGTSize, r.WHGT); return true;
+        case tag("INTV"): readV(in, r.INTVSize, r.INTV); return true;
+        case tag("AMBI"): readFields(in, r.AMBISize, r, layout::ambientLight); return true;
         case tag("MPCD"):
-            for (i32& v : r.MPCD) v = in.i32();
-            return Step::Next;
-        case tag("MPNT"): in.skip(in.i32()); return Step::Next; // the map is not kept
-        case tag("NAM8"): wsub(in, r.NAM8Size, r.NAM8); return Step::Next;
+            in.skip(4);
+            in.fields(r.MPCD); // the size word, then three values
+            return true;
+        case tag("MPNT"): // the map is not kept
+            in.skip(4);
+            in.skip(in.i32());
+            return true;
+        case tag("NAM8"): readU(in, r.NAM8Size, r.NAM8); return true;
         case tag("DELE"):
             r.Deleted = 1;
-            skipDele(in, r);
-            return Step::Next;
-        case tag("FRMR"): {
-            CellReference& ref = r.References.emplace_back();
-            ref.Persistent = pastNam0 ? 0 : 1;
-            readFrmr(in, ref);
-            t = readReferenceBody(in, ref);
-            return Step::InHand;
-        }
-        case tag("MVRF"): {
-            CellReference& ref = r.References.emplace_back();
-            ref.Persistent = pastNam0 ? 0 : 1;
-            ReferenceDetails& moved = ref.more.get();
-            moved.MVRFSize = in.i32();
-            in.raw(moved.MVRF.data(), 3);
-            moved.MVRFByte = in.u8();
-            Tag next = in.tag();
-            if (next == tag("CNDT")) {
-                moved.CNDTSize = in.i32();
-                moved.CNDT[0] = in.i32();
-                moved.CNDT[1] = in.i32();
-            } else if (next == tag("CNAM")) {
-                wsub(in, moved.MovedCellSize, moved.MovedCell);
-            }
-            in.skip(4); // the FRMR tag that follows
-            readFrmr(in, ref);
-            t = readReferenceBody(in, ref);
-            return Step::InHand;
-        }
-        default: return Step::End;
+            return readDele(in, r);
+        case tag("FRMR"): readReference(in, newReference()); return true;
+        case tag("MVRF"): readMovedReference(in, newReference()); return true;
+        default: return false;
         }
     });
     r.References.shrink_to_fit(); // a big master holds hundreds of thousands of references
-    return next;
 }
 
 } // namespace quillon

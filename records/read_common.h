@@ -1,95 +1,92 @@
 #pragma once
-// Building blocks shared by the record readers.
+// Building blocks shared by the record readers. Every reader starts at its record's tag and
+// every sub-record helper at its sub-record's tag; a reader stops at the first tag that is not
+// its own and leaves it for the next record. A record's end is found so, never by its Size.
 #include "records/byte_cursor.h"
-#include "records/es_types.h"
+#include "records/layouts.h"
+#include "records/record_store.h"
 
 namespace quillon {
 
-// What a reader did with the tag in hand: took it and wants the next tag, took it and put the
-// next tag in its place (after a run of repeated sub-records), or refused it (end of record).
-enum class Step { Next, InHand, End };
-
-// The common loop: header words, then sub-records until one is refused; the refused tag is
-// handed back to the driver as the next record's tag. A record's end is found by that tag,
-// never by its Size.
-template <class R, class F> Tag readRecord(ByteCursor& in, R& r, F&& sub) {
-    r.Offset = std::uint32_t(in.pos() - 4);
+// The record's tag and header words, then its sub-records while take(tag) accepts them.
+template <class R, class F> void readRecord(ByteCursor& in, R& r, F&& take) {
+    r.Offset = std::uint32_t(in.pos());
+    in.skip(4);
     r.Size = in.i32();
     r.Header1 = in.i32();
     r.Flags = in.i32();
-    Tag t = in.tag();
-    for (;;) {
-        switch (sub(t)) {
-        case Step::Next: t = in.tag(); break;
-        case Step::InHand: break;
-        case Step::End: return t;
-        }
+    in.expectRecord(r.Offset, r.Size);
+    while (take(in.peekTag())) {
     }
 }
 
 // A zero-terminated text sub-record.
-inline void zsub(ByteCursor& in, i32& size, std::string& text) {
+inline void readZ(ByteCursor& in, i32& size, std::string& text) {
+    in.skip(4);
     size = in.i32();
     text = in.ztext(size);
 }
 // A text sub-record taken whole, terminator (if any) included.
-inline void wsub(ByteCursor& in, i32& size, std::string& text) {
+inline void readU(ByteCursor& in, i32& size, std::string& text) {
+    in.skip(4);
     size = in.i32();
     text = in.text(size);
 }
 // A text sub-record taken whole where it stands in the file's bytes.
-inline void viewsub(ByteCursor& in, i32& size, std::string_view& text) {
+inline void readU(ByteCursor& in, i32& size, std::string_view& text) {
+    in.skip(4);
     size = in.i32();
     text = in.view(size);
 }
-// A sub-record holding one value.
-template <class T> void vsub(ByteCursor& in, i32& size, T& v) {
+// A sub-record holding one value or a data block of fixed width, read at its width whatever the
+// size says.
+template <class T> void readV(ByteCursor& in, i32& size, T& v) {
+    in.skip(4);
     size = in.i32();
-    v = in.value<T>();
+    in.fields(v);
 }
-// A data block of fixed width, read at its published width whatever the size says.
-template <std::size_t N> void bsub(ByteCursor& in, i32& size, Bytes<N>& b) {
+// A sub-record holding the fields a layout lists.
+template <class T, class Layout> void readFields(ByteCursor& in, i32& size, T& block, Layout layout) {
+    in.skip(4);
     size = in.i32();
-    in.bytes(b);
+    layout(block, [&](auto&&... f) { in.fields(f...); });
 }
 // DELE's value is never stored: the record only notes that it carried one.
-inline void skipDele(ByteCursor& in, RecordHeader& r) {
-    in.skip(8);
+inline bool readDele(ByteCursor& in, RecordHeader& r) {
+    in.skip(12);
     r.Dele = true;
+    return true;
 }
 
-// NAME, MODL, FNAM, SCRI and ITEX, shared by most object records.
-inline bool objectText(ByteCursor& in, Tag t, ObjectTexts& o) {
+// A run of one repeated sub-record. Every run is kept, in file order: a file the game writes has
+// one run per list, and a later run (which the editors can leave) is appended rather than
+// overwriting the first, so that nothing its record's Size counts is lost.
+template <class Entry, class ReadEntry> bool readRun(ByteCursor& in, std::vector<Entry>& list, ReadEntry&& readEntry) {
+    Tag run = in.peekTag();
+    while (in.nextIs(run)) readEntry(list.emplace_back());
+    return true;
+}
+// NPCO and NPCS, shared by actors, containers, races and birthsigns.
+inline void readInventoryItem(ByteCursor& in, InventoryItem& e) { readFields(in, e.NPCOSize, e, layout::inventoryItem); }
+inline void readSpell(ByteCursor& in, SpellEntry& e) { readFields(in, e.NPCSSize, e, layout::spell); }
+inline void readEffect(ByteCursor& in, Effect& e) { readV(in, e.ENAMSize, e.ENAM); }
+
+// NAME, MODL, FNAM, SCRI and ITEX, shared by most object records; false for any other tag.
+inline bool readObjectText(ByteCursor& in, Tag t, ObjectTexts& o) {
     switch (t) {
-    case tag("NAME"): zsub(in, o.NAMESize, o.NAME); return true;
-    case tag("MODL"): zsub(in, o.MODLSize, o.MODL); return true;
-    case tag("FNAM"): zsub(in, o.FNAMSize, o.FNAM); return true;
-    case tag("SCRI"): zsub(in, o.SCRISize, o.SCRI); return true;
-    case tag("ITEX"): zsub(in, o.ITEXSize, o.ITEX); return true;
+    case tag("NAME"): readZ(in, o.NAMESize, o.NAME); return true;
+    case tag("MODL"): readZ(in, o.MODLSize, o.MODL); return true;
+    case tag("FNAM"): readZ(in, o.FNAMSize, o.FNAM); return true;
+    case tag("SCRI"): readZ(in, o.SCRISize, o.SCRI); return true;
+    case tag("ITEX"): readZ(in, o.ITEXSize, o.ITEX); return true;
     default: return false;
     }
 }
 
-// Reads one record into a fresh element and appends it to its array; returns the next tag.
-template <class R, class F> Tag appendTo(std::vector<R>& array, F&& read) {
-    R scratch;
-    Tag next = read(scratch);
-    array.push_back(std::move(scratch));
-    return next;
-}
-
-struct RecordStore;
-
-Tag readTes3(ByteCursor& in, Tes3Record& r);
-// A raw record, its data kept where they stand in the file (for records of unknown type too, so
-// that a repair can write them).
-Tag readRaw(ByteCursor& in, Tag t, RawRecord& r);
-Tag readDial(ByteCursor& in, DialRecord& r, std::string& currentTopic);
-Tag readInfo(ByteCursor& in, InfoRecord& r, const std::string& currentTopic);
-Tag readNpc(ByteCursor& in, NpcRecord& r);
-Tag readCrea(ByteCursor& in, CreaRecord& r);
-Tag readCell(ByteCursor& in, CellRecord& r);
-// Reads one object or game-data record into its array; false when the tag is not of that family.
-bool readObjectRecord(ByteCursor& in, Tag t, RecordStore& store, Tag& next);
+// Every record type's reader, named in the record-type list; the store carries what reading
+// passes from record to record (the current topic).
+#define QUILLON_DECLARE_READER(T, Record, read, ...) void read(ByteCursor& in, Record& r, RecordStore& store);
+QUILLON_RECORD_TYPES(QUILLON_DECLARE_READER)
+#undef QUILLON_DECLARE_READER
 
 } // namespace quillon

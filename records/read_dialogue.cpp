@@ -2,90 +2,72 @@
 
 namespace quillon {
 
-Tag readDial(ByteCursor& in, DialRecord& r, std::string& currentTopic) {
-    return readRecord(in, r, [&](Tag& t) {
+void readDial(ByteCursor& in, DialRecord& r, RecordStore& store) {
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
         case tag("NAME"):
-            zsub(in, r.NAMESize, r.NAME);
-            currentTopic = r.NAME; // every INFO that follows belongs to this topic
-            return Step::Next;
+            readZ(in, r.NAMESize, r.NAME);
+            store.CurrentTopic = r.NAME; // every INFO that follows belongs to this topic
+            return true;
         case tag("DATA"):
+            in.skip(4);
             r.DATASize = in.i32();
             // Deleted topics carry four bytes here; only one byte is read for any other size.
             if (r.DATASize == 4)
                 in.skip(4);
             else
                 r.DATA = in.u8();
-            return Step::Next;
-        case tag("XIDX"): vsub(in, r.XIDXSize, r.XIDX); return Step::Next;
-        case tag("DELE"): skipDele(in, r); return Step::Next;
-        default: return Step::End;
+            return true;
+        case tag("XIDX"): readV(in, r.XIDXSize, r.XIDX); return true;
+        case tag("DELE"): return readDele(in, r);
+        default: return false;
         }
     });
 }
 
 namespace {
 
-// One SCVR and the INTV or FLTV right behind it; returns the tag after them.
-Tag readCondition(ByteCursor& in, InfoCondition& c) {
-    c.SCVRSize = in.i32();
-    c.Index = char(in.u8());
-    c.Type = char(in.u8());
-    c.Function[0] = char(in.u8());
-    c.Function[1] = char(in.u8());
-    c.Comparison = char(in.u8());
+// One SCVR and the INTV or FLTV right behind it.
+void readCondition(ByteCursor& in, InfoCondition& c) {
+    readFields(in, c.SCVRSize, c, layout::conditionHead);
     c.Name = in.text(c.SCVRSize - 5);
-    Tag t = in.tag();
-    if (t == tag("INTV")) {
-        vsub(in, c.INTVSize, c.INTV);
-        t = in.tag();
-    } else if (t == tag("FLTV")) {
-        vsub(in, c.FLTVSize, c.FLTV);
-        t = in.tag();
-    }
-    return t;
+    if (in.nextIs(tag("INTV")))
+        readV(in, c.INTVSize, c.INTV);
+    else if (in.nextIs(tag("FLTV")))
+        readV(in, c.FLTVSize, c.FLTV);
 }
 
 } // namespace
 
-Tag readInfo(ByteCursor& in, InfoRecord& r, const std::string& currentTopic) {
-    r.Topic = currentTopic;
-    return readRecord(in, r, [&](Tag& t) {
+void readInfo(ByteCursor& in, InfoRecord& r, RecordStore& store) {
+    r.Topic = store.CurrentTopic;
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
-        case tag("INAM"): zsub(in, r.INAMSize, r.INAM); return Step::Next;
-        case tag("PNAM"): zsub(in, r.PNAMSize, r.PNAM); return Step::Next;
-        case tag("NNAM"): zsub(in, r.NNAMSize, r.NNAM); return Step::Next;
-        case tag("XIDX"): vsub(in, r.XIDXSize, r.XIDX); return Step::Next;
-        case tag("DATA"):
-            // Always 12 bytes, whatever the size word says.
-            r.DATASize = in.i32();
-            r.DialogueType = in.i32();
-            r.Disposition = in.i32();
-            r.Rank = in.u8();
-            r.Gender = in.u8();
-            r.PCRank = in.u8();
-            r.Spare = in.u8();
-            return Step::Next;
-        case tag("ONAM"): zsub(in, r.ONAMSize, r.ONAM); return Step::Next;
-        case tag("RNAM"): zsub(in, r.RNAMSize, r.RNAM); return Step::Next;
-        case tag("CNAM"): zsub(in, r.CNAMSize, r.CNAM); return Step::Next;
-        case tag("ANAM"): zsub(in, r.ANAMSize, r.ANAM); return Step::Next;
-        case tag("FNAM"): zsub(in, r.FNAMSize, r.FNAM); return Step::Next;
-        case tag("DNAM"): zsub(in, r.DNAMSize, r.DNAM); return Step::Next;
-        case tag("NAME"): wsub(in, r.NAMESize, r.NAME); return Step::Next;
-        case tag("SNAM"): zsub(in, r.SNAMSize, r.SNAM); return Step::Next;
-        case tag("QSTN"): vsub(in, r.QSTNSize, r.QSTN); return Step::Next;
-        case tag("QSTF"): vsub(in, r.QSTFSize, r.QSTF); return Step::Next;
-        case tag("QSTR"): vsub(in, r.QSTRSize, r.QSTR); return Step::Next;
-        case tag("BNAM"): wsub(in, r.BNAMSize, r.BNAM); return Step::Next;
+        case tag("INAM"): readZ(in, r.INAMSize, r.INAM); return true;
+        case tag("PNAM"): readZ(in, r.PNAMSize, r.PNAM); return true;
+        case tag("NNAM"): readZ(in, r.NNAMSize, r.NNAM); return true;
+        case tag("XIDX"): readV(in, r.XIDXSize, r.XIDX); return true;
+        case tag("DATA"): readFields(in, r.DATASize, r, layout::responseData); return true; // always 12 bytes
+        case tag("ONAM"): readZ(in, r.ONAMSize, r.ONAM); return true;
+        case tag("RNAM"): readZ(in, r.RNAMSize, r.RNAM); return true;
+        case tag("CNAM"): readZ(in, r.CNAMSize, r.CNAM); return true;
+        case tag("ANAM"): readZ(in, r.ANAMSize, r.ANAM); return true;
+        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
+        case tag("DNAM"): readZ(in, r.DNAMSize, r.DNAM); return true;
+        case tag("NAME"): readU(in, r.NAMESize, r.NAME); return true;
+        case tag("SNAM"): readZ(in, r.SNAMSize, r.SNAM); return true;
+        case tag("QSTN"): readV(in, r.QSTNSize, r.QSTN); return true;
+        case tag("QSTF"): readV(in, r.QSTFSize, r.QSTF); return true;
+        case tag("QSTR"): readV(in, r.QSTRSize, r.QSTR); return true;
+        case tag("BNAM"): readU(in, r.BNAMSize, r.BNAM); return true;
         case tag("SCVR"):
             // A condition beyond the game's six is kept all the same: dropping it would leave
             // the record's Size counting bytes that are no longer written.
-            t = readCondition(in, r.Conditions.emplace_back());
-            return Step::InHand;
-        case tag("ACDT"): zsub(in, r.ACDTSize, r.ACDT); return Step::Next;
-        case tag("DELE"): skipDele(in, r); return Step::Next;
-        default: return Step::End;
+            readCondition(in, r.Conditions.emplace_back());
+            return true;
+        case tag("ACDT"): readZ(in, r.ACDTSize, r.ACDT); return true;
+        case tag("DELE"): return readDele(in, r);
+        default: return false;
         }
     });
 }

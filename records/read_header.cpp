@@ -2,55 +2,42 @@
 
 namespace quillon {
 
-Tag readTes3(ByteCursor& in, Tes3Record& r) {
-    return readRecord(in, r, [&](Tag& t) {
+void readTes3(ByteCursor& in, Tes3Record& r, RecordStore&) {
+    readRecord(in, r, [&](Tag t) {
         switch (t) {
-        case tag("HEDR"):
-            r.HEDRSize = in.i32();
-            in.bytes(r.Version);
-            r.FileType = in.i32();
-            in.bytes(r.Company);
-            in.bytes(r.Description);
-            r.NumRecords = in.i32();
-            return Step::Next;
+        case tag("HEDR"): readFields(in, r.HEDRSize, r, layout::fileHeader); return true;
         case tag("MAST"): {
             MasterEntry& m = r.Masters.emplace_back();
-            zsub(in, m.MASTSize, m.MAST);
-            return Step::Next;
+            readZ(in, m.MASTSize, m.MAST);
+            return true;
         }
-        case tag("DATA"): {
+        case tag("DATA"):
             if (r.Masters.empty()) r.Masters.emplace_back();
-            vsub(in, r.Masters.back().DATASize, r.Masters.back().MasterSize);
-            return Step::Next;
-        }
-        case tag("GMDT"):
-            r.GMDTSize = in.i32();
-            for (i32& v : r.GMDTValues) v = in.i32();
-            in.bytes(r.CellName);
-            r.GMDTValue7 = in.i32();
-            in.bytes(r.PlayerName);
-            return Step::Next;
-        case tag("SCRD"): bsub(in, r.SCRDSize, r.SCRD); return Step::Next;
+            readV(in, r.Masters.back().DATASize, r.Masters.back().MasterSize);
+            return true;
+        case tag("GMDT"): readFields(in, r.GMDTSize, r, layout::savedGame); return true;
+        case tag("SCRD"): readV(in, r.SCRDSize, r.SCRD); return true;
         case tag("SCRS"):
             // The screenshot is always taken as 65536 bytes, whatever its size word says.
+            in.skip(4);
             r.SCRSSize = in.i32();
             r.SCRS = in.text(65536);
             r.SCRS.resize(65536, '\0');
-            return Step::Next;
-        case tag("DELE"): skipDele(in, r); return Step::Next;
-        default: return Step::End;
+            return true;
+        case tag("DELE"): return readDele(in, r);
+        default: return false;
         }
     });
 }
 
-Tag readRaw(ByteCursor& in, Tag t, RawRecord& r) {
-    r.Offset = std::uint32_t(in.pos() - 4);
-    r.Tag = tagText(t);
+void readRaw(ByteCursor& in, RawRecord& r, RecordStore&) {
+    r.Offset = std::uint32_t(in.pos());
+    r.Tag = tagText(in.tag());
     r.Size = in.i32();
     r.Header1 = in.i32();
     r.Flags = in.i32();
+    in.expectRecord(r.Offset, r.Size);
     r.Data = in.view(r.Size);
-    return in.tag();
 }
 
 } // namespace quillon

@@ -39,6 +39,14 @@ TEST(ByteCursor, ReadsPastTheEndAsZerosAndStaysFailed) {
     EXPECT_EQ(sized.pos(), 1u);
     sized.skip(1000);
     EXPECT_EQ(sized.pos(), 5u);
+
+    const std::uint8_t tagged[] = {'N', 'A', 'M', 'E', 1, 0, 0};
+    ByteCursor look(tagged, sizeof tagged);
+    EXPECT_TRUE(look.nextIs(tag("NAME")));
+    EXPECT_EQ(look.pos(), 0u); // looking takes nothing
+    look.skip(4);
+    EXPECT_EQ(look.peekTag(), 0u); // three bytes are no tag
+    EXPECT_FALSE(look.failed());
 }
 
 TEST(ReadDialogue, TopicsStampTheirResponses) {

@@ -61,16 +61,19 @@ TEST(WriteDriver, HeaderCountTypeAndMasters) {
     h.NumRecords = 99;
     h.FileType = 5;
     h.Masters = {{9, "Morrowind.esm", 8, 123}, {1, "", 8, 0}};
-    std::string bytes = written([&](ByteSink& s) { WriteTes3Record(s, h, 10, 1); });
+    RecordStore store;
+    ScriptedPrompts prompts;
+    WriteState state{store, prompts, 10, 1};
+    std::string bytes = written([&](ByteSink& s) { writeTes3(s, h, state); });
     std::string hedr = bytes.substr(24, 300);
     EXPECT_EQ(hedr.substr(4, 4), le32(1));
     EXPECT_EQ(hedr.substr(296, 4), le32(9)); // the header does not count itself
     EXPECT_NE(bytes.find("MAST"), std::string::npos);
     EXPECT_EQ(bytes.find("GMDT"), std::string::npos);
     h.Masters[0].MAST.clear(); // an empty first name writes no master at all
-    EXPECT_EQ(written([&](ByteSink& s) { WriteTes3Record(s, h, 10, 1); }).find("MAST"), std::string::npos);
+    EXPECT_EQ(written([&](ByteSink& s) { writeTes3(s, h, state); }).find("MAST"), std::string::npos);
     h.Flags = 0x20;
-    std::string deleted = written([&](ByteSink& s) { WriteTes3Record(s, h, 10, 1); });
+    std::string deleted = written([&](ByteSink& s) { writeTes3(s, h, state); });
     EXPECT_EQ(deleted.substr(324), "DELE" + le32(4) + le32(0));
 
     for (auto [name, type] : std::initializer_list<std::pair<const char*, int>>{
@@ -89,7 +92,7 @@ TEST(WriteDialogue, OptionalSubRecordsAndConditions) {
     r.Conditions.resize(3);
     r.Conditions[0] = {5, '0', '1', {'5', '0'}, '0', "", 4, 7, 4, 1.0f};
     r.Conditions[2] = {9, '2', '2', {'s', 'X'}, '0', "glob", 0, 0, 4, 2.0f};
-    std::string bytes = written([&](ByteSink& s) { WriteInfoRecord(s, r); });
+    std::string bytes = written([&](ByteSink& s) { writeInfo(s, r); });
     std::string expected = Rec("INFO")
                                .z("INAM", "1")
                                .sub("DATA", std::string(12, '\0'))
@@ -109,7 +112,7 @@ TEST(WriteDialogue, DeletedForms) {
     info.Flags = 0x20;
     info.INAMSize = 2, info.INAM = "1", info.PNAMSize = 2, info.PNAM = "0", info.DATASize = 12;
     info.NAMESize = 3, info.NAME = "Bye", info.ONAMSize = 2, info.ONAM = "o";
-    EXPECT_EQ(written([&](ByteSink& s) { WriteInfoRecord(s, info); }).substr(16),
+    EXPECT_EQ(written([&](ByteSink& s) { writeInfo(s, info); }).substr(16),
               Rec("INFO").z("INAM", "1").z("PNAM", "0").text("NAME", "Bye").sub("DELE", le32(0)).bytes().substr(16));
 }
 
@@ -161,7 +164,8 @@ TEST(WriteCell, ReferencePassesDeletionAndMovedReferences) {
                                                .bytes()}));
     std::swap(store.CELL[0].References[0], store.CELL[0].References[1]); // temporary one first in the list
     ScriptedPrompts prompts;
-    std::string cell = written([&](ByteSink& s) { WriteCellRecord(s, store.CELL[0], prompts); });
+    WriteState state{store, prompts};
+    std::string cell = written([&](ByteSink& s) { writeCell(s, store.CELL[0], state); });
     std::string expected = Rec("CELL")
                                .z("NAME", "c")
                                .sub("DELE", le32(0))
@@ -173,7 +177,7 @@ TEST(WriteCell, ReferencePassesDeletionAndMovedReferences) {
     EXPECT_EQ(cell.substr(16), expected.substr(16));
 
     store.CELL[0].References[1].more.get().MVRFSize = 4; // moved, but to no cell
-    std::string cut = written([&](ByteSink& s) { WriteCellRecord(s, store.CELL[0], prompts); });
+    std::string cut = written([&](ByteSink& s) { writeCell(s, store.CELL[0], state); });
     EXPECT_EQ(prompts.told, std::vector<std::string>{"Error while writing moved reference."});
     EXPECT_EQ(cut.find("NAM0"), std::string::npos); // the cell stops at the faulty reference
 }

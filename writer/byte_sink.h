@@ -47,13 +47,13 @@ public:
     void identify(std::string id) { id_ = std::move(id); }
 
     void raw(const void* p, std::size_t n) { out_.append(static_cast<const char*>(p), n); }
-    template <class T> void value(T v) { raw(&v, sizeof v); }
+    template <class T> void value(const T& v) { raw(&v, sizeof v); }
     void int32(std::int32_t v) { value(v); }
     void byte(std::uint8_t v) { out_.push_back(char(v)); }
     void tag(Tag t) { value(t); }
     void text(std::string_view s) { out_.append(s); }
-    template <std::size_t N> void bytes(const std::array<std::uint8_t, N>& b) { raw(b.data(), N); }
-    template <std::size_t N> void bytes(const std::array<char, N>& b) { raw(b.data(), N); }
+    // Writes each field in turn: numbers, arrays of numbers or bytes, and padding as zeros.
+    template <class... T> void fields(const T&... f) { (field(f), ...); }
 
     // The record tag and the three stored header words; the previous record ends here.
     void header(Tag t, const RecordHeader& r) {
@@ -74,34 +74,39 @@ public:
     }
     // A zero-terminated text sub-record. One the record does not carry (size 0, no text) is not
     // invented: its terminator would be a byte that the record's stored Size does not count.
-    void z(Tag t, std::int32_t size, std::string_view s) {
+    void writeZ(Tag t, std::int32_t size, std::string_view s) {
         if (size == 0 && s.empty()) return;
         sub(t, size);
         text(s);
         byte(0);
     }
     // A text sub-record written without terminator.
-    void u(Tag t, std::int32_t size, std::string_view s) {
+    void writeU(Tag t, std::int32_t size, std::string_view s) {
         sub(t, size);
         text(s);
     }
-    template <class T> void v(Tag t, std::int32_t size, T value_) {
+    // A sub-record holding one value or a data block of fixed width.
+    template <class T> void writeV(Tag t, std::int32_t size, const T& v) {
         sub(t, size);
-        value(value_);
+        value(v);
     }
-    template <std::size_t N> void block(Tag t, std::int32_t size, const Bytes<N>& b) {
+    // A sub-record holding the fields a layout lists.
+    template <class T, class Layout> void writeFields(Tag t, std::int32_t size, const T& block, Layout layout) {
         sub(t, size);
-        bytes(b);
+        layout(block, [this](const auto&... f) { fields(f...); });
     }
     // Optional sub-records are written when their size word is non-zero.
-    void zOpt(Tag t, std::int32_t size, std::string_view s) {
-        if (size != 0) z(t, size, s);
+    void writeZOpt(Tag t, std::int32_t size, std::string_view s) {
+        if (size != 0) writeZ(t, size, s);
     }
-    void uOpt(Tag t, std::int32_t size, std::string_view s) {
-        if (size != 0) u(t, size, s);
+    void writeUOpt(Tag t, std::int32_t size, std::string_view s) {
+        if (size != 0) writeU(t, size, s);
+    }
+    template <class T> void writeVOpt(Tag t, std::int32_t size, const T& v) {
+        if (size != 0) writeV(t, size, v);
     }
     // The deleted marker every writer emits the same way.
-    void dele() {
+    void writeDele() {
         sub(quillon::tag("DELE"), 4);
         int32(0);
     }
@@ -115,6 +120,8 @@ private:
         const RecordHeader* record = nullptr;
     };
     static constexpr std::size_t kDrainAt = 4 << 20;
+    template <std::size_t N> void field(const Padding<N>&) { out_.append(N, '\0'); }
+    template <class T> void field(const T& f) { value(f); }
     void closeRecord();
     // Hands the finished bytes to the drain once at least atLeast of them are waiting.
     void drain(std::size_t atLeast) {

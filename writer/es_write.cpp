@@ -20,13 +20,6 @@ std::string upperExtension(const std::string& path) {
     return ext;
 }
 
-template <class R, class F> void writeAll(const std::vector<R>& array, std::int32_t& count, F&& write) {
-    for (const R& r : array) {
-        write(r);
-        ++count;
-    }
-}
-
 // What the output will take, to reserve it at once. Stored sizes can be anything in a damaged
 // file, so the estimate never exceeds the file that was read (and grows as usual beyond it).
 std::size_t estimatedSize(RecordStore& store) {
@@ -49,28 +42,15 @@ std::int32_t fileTypeFor(const std::string& path) {
 
 namespace {
 
-// Every record of the store through out, in the file's type order.
+// Every record of the store through out, in the order of the record-type list.
 void serialiseInto(ByteSink& out, RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
                    Prompts& prompts) {
-    std::int32_t written = 0;
-    const RecordStore& s = store;
-    writeAll(s.TES3, written, [&](auto& r) { WriteTes3Record(out, r, recordCount, fileType); });
-    WriteObjectsBeforeActors(out, s, fileType != 32, written);
-    writeAll(s.NPC_, written, [&](auto& r) { WriteNpcRecord(out, r); });
-    writeAll(s.CREA, written, [&](auto& r) { WriteCreaRecord(out, r); });
-    writeAll(s.CELL, written, [&](auto& r) { WriteCellRecord(out, r, prompts); });
-    // Land and path grids follow all cells rather than standing beside them.
-    writeAll(s.LAND, written, [&](auto& r) { WriteRawRecord(out, r); });
-    WritePgrdRecords(out, s, written);
-    TopicIndex index = indexResponses(s.INFO);
-    writeAll(s.DIAL, written, [&](auto& r) {
-        store.CurrentTopic = r.NAME;
-        WriteDialRecord(out, r, s.INFO, index, written);
-    });
-    for (const auto* raw : {&s.CNTC, &s.CREC, &s.FMAP, &s.GAME, &s.JOUR, &s.KLST, &s.NPCC, &s.PCDT, &s.QUES,
-                            &s.REFR, &s.SPLM, &s.STLN})
-        writeAll(*raw, written, [&](auto& r) { WriteRawRecord(out, r); });
-    writeAll(s.Unknown, written, [&](auto& r) { WriteUnknownRecord(out, r); });
+    WriteState state{store, prompts, recordCount, fileType, indexResponses(store.INFO)};
+#define QUILLON_WRITE(T, Record, read, write, ...)                                                                    \
+    for (const Record& r : store.T) write(out, r, state);
+    QUILLON_RECORD_TYPES(QUILLON_WRITE)
+#undef QUILLON_WRITE
+    for (const RawRecord& r : store.Unknown) writeUnknown(out, r);
     out.finish();
 }
 

@@ -1,53 +1,49 @@
 #include "writer/write_common.h"
 
+#include <cstring>
+
 namespace quillon {
 
 namespace {
 
-void writePlacement(ByteSink& out, Tag t, std::int32_t size, const std::array<float, 6>& p) {
-    out.sub(t, size);
-    for (float f : p) out.value(f);
+// A moved reference's MVRF and the cell it moved to; false when it names no cell, which stops the
+// cell.
+bool writeMove(ByteSink& out, const ReferenceDetails& moved, Prompts& prompts) {
+    out.writeFields(tag("MVRF"), moved.MVRFSize, moved, layout::movedReference);
+    if (moved.CNDTSize >= 1) {
+        out.writeV(tag("CNDT"), moved.CNDTSize, moved.CNDT);
+    } else if (moved.MovedCellSize >= 1) {
+        out.writeU(tag("CNAM"), moved.MovedCellSize, moved.MovedCell);
+    } else if (!out.repairing()) {
+        prompts.tell("Error while writing moved reference.");
+        out.explain("cut short at a moved reference that names no cell (neither CNDT nor CNAM)");
+        return false;
+    }
+    return true;
 }
 
 // One reference; false when a moved reference names no target cell, which stops the cell.
 bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
     const ReferenceDetails& more = ref.more.view();
-    if (more.MVRFSize != 0) {
-        out.sub(tag("MVRF"), more.MVRFSize);
-        out.raw(more.MVRF.data(), 3);
-        out.byte(more.MVRFByte);
-        if (more.CNDTSize >= 1) {
-            out.sub(tag("CNDT"), more.CNDTSize);
-            out.int32(more.CNDT[0]);
-            out.int32(more.CNDT[1]);
-        } else if (more.MovedCellSize >= 1) {
-            out.u(tag("CNAM"), more.MovedCellSize, more.MovedCell);
-        } else if (!out.repairing()) {
-            prompts.tell("Error while writing moved reference.");
-            out.explain("cut short at a moved reference that names no cell (neither CNDT nor CNAM)");
-            return false;
-        }
-    }
-    out.sub(tag("FRMR"), ref.FRMRSize);
-    out.raw(ref.FRMR.data(), 3);
-    out.byte(ref.FRMRByte);
-    out.z(tag("NAME"), ref.NAMESize, ref.NAME);
-    if (ref.XSCLSize != 0) out.v(tag("XSCL"), ref.XSCLSize, ref.XSCL);
-    if (more.DODTSize != 0) writePlacement(out, tag("DODT"), more.DODTSize, more.DODT);
-    out.zOpt(tag("DNAM"), more.DNAMSize, more.DNAM);
-    if (more.FLTVSize != 0) out.v(tag("FLTV"), more.FLTVSize, more.FLTV);
-    out.zOpt(tag("KNAM"), more.KNAMSize, more.KNAM);
-    out.zOpt(tag("TNAM"), more.TNAMSize, more.TNAM);
-    out.zOpt(tag("ANAM"), more.ANAMSize, more.ANAM);
-    out.zOpt(tag("CNAM"), more.CNAMSize, more.CNAM);
-    if (more.UNAMSize != 0) out.v(tag("UNAM"), more.UNAMSize, more.UNAM);
-    out.zOpt(tag("BNAM"), more.BNAMSize, more.BNAM);
-    if (more.XCHGSize != 0) out.v(tag("XCHG"), more.XCHGSize, more.XCHG);
-    if (more.INTVSize != 0) out.v(tag("INTV"), more.INTVSize, more.INTV);
-    if (more.NAM9Size != 0) out.v(tag("NAM9"), more.NAM9Size, more.NAM9);
-    if (more.INDXSize != 0) out.v(tag("INDX"), more.INDXSize, more.INDX);
-    out.zOpt(tag("XSOL"), more.XSOLSize, more.XSOL);
-    if (ref.Disabled) out.v(tag("ZNAM"), 1, std::uint8_t(0)); // its value byte was not kept
+    if (more.MVRFSize != 0 && !writeMove(out, more, prompts)) return false;
+    out.writeFields(tag("FRMR"), ref.FRMRSize, ref, layout::reference);
+    out.writeZ(tag("NAME"), ref.NAMESize, ref.NAME);
+    out.writeVOpt(tag("XSCL"), ref.XSCLSize, ref.XSCL);
+    out.writeVOpt(tag("DODT"), more.DODTSize, more.DODT);
+    out.writeZOpt(tag("DNAM"), more.DNAMSize, more.DNAM);
+    out.writeVOpt(tag("FLTV"), more.FLTVSize, more.FLTV);
+    out.writeZOpt(tag("KNAM"), more.KNAMSize, more.KNAM);
+    out.writeZOpt(tag("TNAM"), more.TNAMSize, more.TNAM);
+    out.writeZOpt(tag("ANAM"), more.ANAMSize, more.ANAM);
+    out.writeZOpt(tag("CNAM"), more.CNAMSize, more.CNAM);
+    out.writeVOpt(tag("UNAM"), more.UNAMSize, more.UNAM);
+    out.writeZOpt(tag("BNAM"), more.BNAMSize, more.BNAM);
+    out.writeVOpt(tag("XCHG"), more.XCHGSize, more.XCHG);
+    out.writeVOpt(tag("INTV"), more.INTVSize, more.INTV);
+    out.writeVOpt(tag("NAM9"), more.NAM9Size, more.NAM9);
+    out.writeVOpt(tag("INDX"), more.INDXSize, more.INDX);
+    out.writeZOpt(tag("XSOL"), more.XSOLSize, more.XSOL);
+    if (ref.Disabled) out.writeV(tag("ZNAM"), 1, std::uint8_t(0)); // its value byte was not kept
     for (const std::string& entry : more.SaveData) {
         if (entry.size() < 4) continue;
         Tag t;
@@ -55,56 +51,43 @@ bool writeReference(ByteSink& out, const CellReference& ref, Prompts& prompts) {
         out.sub(t, std::int32_t(entry.size() - 4));
         out.raw(entry.data() + 4, entry.size() - 4);
     }
-    if (ref.DATASize != 0) writePlacement(out, tag("DATA"), ref.DATASize, ref.DATA);
-    if (more.DATA2Size != 0) writePlacement(out, tag("DATA"), more.DATA2Size, more.DATA2);
+    out.writeVOpt(tag("DATA"), ref.DATASize, ref.DATA);
+    out.writeVOpt(tag("DATA"), more.DATA2Size, more.DATA2);
     if (ref.Deleted) {
         // The only DELE whose value is not zero: the bytes the original editor leaves here.
         out.sub(tag("DELE"), 4);
-        for (std::uint8_t b : {100, 44, 72, 0}) out.byte(b);
+        out.fields(Bytes<4>{100, 44, 72, 0});
     }
     return true;
 }
 
 } // namespace
 
-void WriteCellRecord(ByteSink& out, const CellRecord& r, Prompts& prompts) {
+void writeCell(ByteSink& out, const CellRecord& r, WriteState& state) {
     out.header(tag("CELL"), r);
-    out.z(tag("NAME"), r.NAMESize, r.NAME);
-    if (r.Deleted == 1) out.dele(); // cells test their DELE mark, not the flags
-    out.sub(tag("DATA"), r.DATASize);
-    out.int32(r.CellFlags);
-    out.int32(r.GridX);
-    out.int32(r.GridY);
-    out.zOpt(tag("RGNN"), r.RGNNSize, r.RGNN);
-    if (r.NAM5Size != 0) {
-        out.block(tag("NAM5"), r.NAM5Size, r.NAM5);
-        out.byte(0);
-    }
-    out.uOpt(tag("NAM8"), r.NAM8Size, r.NAM8);
+    out.writeZ(tag("NAME"), r.NAMESize, r.NAME);
+    if (r.Deleted == 1) out.writeDele(); // cells test their DELE mark, not the flags
+    out.writeFields(tag("DATA"), r.DATASize, r, layout::cellData);
+    out.writeZOpt(tag("RGNN"), r.RGNNSize, r.RGNN);
+    if (r.NAM5Size != 0) out.writeFields(tag("NAM5"), r.NAM5Size, r, layout::mapColour);
+    out.writeUOpt(tag("NAM8"), r.NAM8Size, r.NAM8);
     if (r.MPCD[0] != 0) {
-        out.sub(tag("MPCD"), r.MPCD[0]);
+        out.sub(tag("MPCD"), r.MPCD[0]); // the size word, then three values
         for (std::size_t i = 1; i < r.MPCD.size(); ++i) out.int32(r.MPCD[i]);
     }
-    if (r.WHGTSize != 0) out.v(tag("WHGT"), r.WHGTSize, r.WHGT);
-    if (r.AMBISize != 0) {
-        out.sub(tag("AMBI"), r.AMBISize);
-        for (const Bytes<3>* colour : {&r.Ambient, &r.Sunlight, &r.Fog}) {
-            out.bytes(*colour);
-            out.byte(0);
-        }
-        out.value(r.FogDensity);
-    }
-    if (r.INTVSize != 0) out.v(tag("INTV"), r.INTVSize, r.INTV);
+    out.writeVOpt(tag("WHGT"), r.WHGTSize, r.WHGT);
+    if (r.AMBISize != 0) out.writeFields(tag("AMBI"), r.AMBISize, r, layout::ambientLight);
+    out.writeVOpt(tag("INTV"), r.INTVSize, r.INTV);
     bool hasReferences = !r.References.empty() && r.References.front().FRMRSize != 0;
     // Persistent references first, then NAM0, then the temporary ones, whatever the list order.
     for (int pass = 1; pass >= 0; --pass) {
         if (hasReferences) {
             for (const CellReference& ref : r.References) {
                 if (ref.Persistent != pass) continue;
-                if (!writeReference(out, ref, prompts)) return;
+                if (!writeReference(out, ref, state.prompts)) return;
             }
         }
-        if (pass == 1 && r.NAM0Size != 0) out.v(tag("NAM0"), r.NAM0Size, r.NAM0);
+        if (pass == 1) out.writeVOpt(tag("NAM0"), r.NAM0Size, r.NAM0);
     }
 }
 

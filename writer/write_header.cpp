@@ -5,34 +5,26 @@
 
 namespace quillon {
 
-void WriteTes3Record(ByteSink& out, const Tes3Record& r, std::int32_t recordCount, std::int32_t fileType) {
+void writeTes3(ByteSink& out, const Tes3Record& r, WriteState& state) {
     out.header(tag("TES3"), r);
-    out.sub(tag("HEDR"), r.HEDRSize);
-    out.bytes(r.Version);
-    out.int32(fileType); // by the target's extension; the stored type is ignored
-    out.bytes(r.Company);
-    out.bytes(r.Description);
-    out.int32(recordCount - 1); // the header does not count itself
+    Tes3Record written = r;
+    written.FileType = state.fileType; // by the target's extension; the stored type is ignored
+    written.NumRecords = state.recordCount - 1; // the header does not count itself
+    out.writeFields(tag("HEDR"), r.HEDRSize, written, layout::fileHeader);
     if (isDeleted(r)) {
-        out.dele();
+        out.writeDele();
         return;
     }
     // An empty first master name means no masters at all, whatever later entries hold.
     if (!r.Masters.empty() && !r.Masters.front().MAST.empty()) {
         for (const MasterEntry& m : r.Masters) {
-            out.z(tag("MAST"), m.MASTSize, m.MAST);
-            out.v(tag("DATA"), m.DATASize, m.MasterSize);
+            out.writeZ(tag("MAST"), m.MASTSize, m.MAST);
+            out.writeV(tag("DATA"), m.DATASize, m.MasterSize);
         }
     }
-    if (r.GMDTSize != 0) {
-        out.sub(tag("GMDT"), r.GMDTSize);
-        for (std::int32_t v : r.GMDTValues) out.int32(v);
-        out.bytes(r.CellName);
-        out.int32(r.GMDTValue7);
-        out.bytes(r.PlayerName);
-    }
-    if (r.SCRDSize != 0) out.block(tag("SCRD"), r.SCRDSize, r.SCRD);
-    if (r.SCRSSize != 0) out.u(tag("SCRS"), r.SCRSSize, r.SCRS);
+    if (r.GMDTSize != 0) out.writeFields(tag("GMDT"), r.GMDTSize, r, layout::savedGame);
+    out.writeVOpt(tag("SCRD"), r.SCRDSize, r.SCRD);
+    out.writeUOpt(tag("SCRS"), r.SCRSSize, r.SCRS);
 }
 
 namespace {
@@ -54,12 +46,12 @@ std::string unknownRecordId(std::string_view data) {
 
 } // namespace
 
-void WriteRawRecord(ByteSink& out, const RawRecord& r) {
+void writeRaw(ByteSink& out, const RawRecord& r, WriteState&) {
     out.header(rawTag(r), r);
     out.raw(r.Data.data(), r.Data.size());
 }
 
-void WriteUnknownRecord(ByteSink& out, const RawRecord& r) {
+void writeUnknown(ByteSink& out, const RawRecord& r) {
     out.header(rawTag(r), r);
     if (out.repairing()) {
         out.raw(r.Data.data(), r.Data.size());
