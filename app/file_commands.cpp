@@ -108,7 +108,7 @@ namespace {
 Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
     std::string name = bareName(path);
     // The header's count comes from the displayed total, not from the store.
-    auto recordCount = std::int32_t(session.counts.number(kTotalLabel));
+    auto recordCount = std::int32_t(session.counts.number(CountLabel::Total));
     DialogPrompts prompts(dialogs);
     WriteResult result = WriteESFile(session.store, path, recordCount, prompts);
     if (result.status == WriteResult::Failed) {
@@ -127,7 +127,7 @@ Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& pa
     }
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
-                        std::to_string(session.counts.number(kTotalLabel)) + " records have been written.");
+                        std::to_string(session.counts.number(CountLabel::Total)) + " records have been written.");
     if (result.status == WriteResult::Declined) return Outcome::declined("the savegame was not written");
     return Outcome::done();
 }

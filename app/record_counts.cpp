@@ -6,46 +6,44 @@ namespace quillon {
 
 namespace {
 
+enum class Family { Data, Save };
+
 struct Label {
-    const char* caption;
-    std::size_t (*count)(const RecordStore&);
+    const char* caption = nullptr;
+    std::size_t (*count)(const RecordStore&) = nullptr;
+    Family family = Family::Data;
 };
 
-#define QUILLON_COUNT(array) [](const RecordStore& s) { return s.array.size(); }
-constexpr Label kLabels[kCountLabels] = {
-    {"ACTI:", QUILLON_COUNT(ACTI)}, {"ALCH:", QUILLON_COUNT(ALCH)}, {"APPA:", QUILLON_COUNT(APPA)},
-    {"ARMO:", QUILLON_COUNT(ARMO)}, {"BODY:", QUILLON_COUNT(BODY)}, {"BOOK:", QUILLON_COUNT(BOOK)},
-    {"BSGN:", QUILLON_COUNT(BSGN)}, {"CELL:", QUILLON_COUNT(CELL)}, {"CLAS:", QUILLON_COUNT(CLAS)},
-    {"CLOT:", QUILLON_COUNT(CLOT)}, {"CONT:", QUILLON_COUNT(CONT)}, {"CREA:", QUILLON_COUNT(CREA)},
-    {"DIAL:", QUILLON_COUNT(DIAL)}, {"DOOR:", QUILLON_COUNT(DOOR)}, {"ENCH:", QUILLON_COUNT(ENCH)},
-    {"FACT:", QUILLON_COUNT(FACT)}, {"GLOB:", QUILLON_COUNT(GLOB)}, {"GMST:", QUILLON_COUNT(GMST)},
-    {"INFO:", QUILLON_COUNT(INFO)}, {"INGR:", QUILLON_COUNT(INGR)}, {"LAND:", QUILLON_COUNT(LAND)},
-    {"LEVC:", QUILLON_COUNT(LEVC)}, {"LEVI:", QUILLON_COUNT(LEVI)}, {"LIGH:", QUILLON_COUNT(LIGH)},
-    {"LOCK:", QUILLON_COUNT(LOCK)}, {"LTEX:", QUILLON_COUNT(LTEX)}, {"MISC:", QUILLON_COUNT(MISC)},
-    {"MGEF:", QUILLON_COUNT(MGEF)}, {"PGRD:", QUILLON_COUNT(PGRD)}, {"NPC_:", QUILLON_COUNT(NPC_)},
-    {"PROB:", QUILLON_COUNT(PROB)}, {"RACE:", QUILLON_COUNT(RACE)}, {"REGN:", QUILLON_COUNT(REGN)},
-    {"REPA:", QUILLON_COUNT(REPA)}, {"SCPT:", QUILLON_COUNT(SCPT)}, {"SKIL:", QUILLON_COUNT(SKIL)},
-    {"SNDG:", QUILLON_COUNT(SNDG)}, {"SOUN:", QUILLON_COUNT(SOUN)}, {"SPEL:", QUILLON_COUNT(SPEL)},
-    {"STAT:", QUILLON_COUNT(STAT)}, {"SSCR:", QUILLON_COUNT(SSCR)}, {"TES3:", QUILLON_COUNT(TES3)},
-    {"Unknown:", QUILLON_COUNT(Unknown)}, {"CNTC:", QUILLON_COUNT(CNTC)},
-    {"Total:", [](const RecordStore&) { return std::size_t(0); }},
-    {"WEAP:", QUILLON_COUNT(WEAP)}, {"CREC:", QUILLON_COUNT(CREC)}, {"FMAP:", QUILLON_COUNT(FMAP)},
-    {"GAME:", QUILLON_COUNT(GAME)}, {"JOUR:", QUILLON_COUNT(JOUR)}, {"KLST:", QUILLON_COUNT(KLST)},
-    {"NPCC:", QUILLON_COUNT(NPCC)}, {"PCDT:", QUILLON_COUNT(PCDT)}, {"QUES:", QUILLON_COUNT(QUES)},
-    {"REFR:", QUILLON_COUNT(REFR)}, {"SPLM:", QUILLON_COUNT(SPLM)}, {"STLN:", QUILLON_COUNT(STLN)},
-};
-#undef QUILLON_COUNT
+constexpr std::array<Label, kCountLabels> makeLabels() {
+    std::array<Label, kCountLabels> labels{};
+#define QUILLON_LABEL(T, Record, read, write, label, family)                                                         \
+    labels[label] = {#T ":", [](const RecordStore& s) { return s.T.size(); }, Family::family};
+    QUILLON_RECORD_TYPES(QUILLON_LABEL)
+#undef QUILLON_LABEL
+    labels[CountLabel::Unknown] = {"Unknown:", [](const RecordStore& s) { return s.Unknown.size(); }};
+    labels[CountLabel::Total] = {"Total:", [](const RecordStore&) { return std::size_t(0); }};
+    return labels;
+}
+constexpr std::array<Label, kCountLabels> kLabels = makeLabels();
+
+constexpr bool everyLabelPlaced() {
+    for (const Label& l : kLabels)
+        if (!l.caption) return false;
+    return true;
+}
+static_assert(everyLabelPlaced(), "two record types share a count label, or one is left empty");
 
 } // namespace
 
 const char* countCaption(std::size_t i) { return kLabels[i].caption; }
 std::size_t storedCount(const RecordStore& store, std::size_t i) { return kLabels[i].count(store); }
-bool isSavegameLabel(std::size_t i) { return i == 43 || i >= 46; }
+// CNTC stands among the savegame labels although the window lists it first.
+bool isSavegameLabel(std::size_t i) { return kLabels[i].family == Family::Save; }
 
 void RecordCounts::ShowRecordCounts(const RecordStore& store, std::int32_t total) {
     for (std::size_t i = 0; i < kCountLabels; ++i)
-        if (i != kTotalLabel) shown[i] = std::to_string(storedCount(store, i));
-    shown[kTotalLabel] = std::to_string(total);
+        if (i != CountLabel::Total) shown[i] = std::to_string(storedCount(store, i));
+    shown[CountLabel::Total] = std::to_string(total);
 }
 
 std::int64_t RecordCounts::number(std::size_t i) const { return std::strtoll(shown[i].c_str(), nullptr, 10); }

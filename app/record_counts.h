@@ -8,8 +8,17 @@
 namespace quillon {
 
 constexpr std::size_t kCountLabels = 57;
-constexpr std::size_t kTotalLabel = 44;
-constexpr std::size_t kUnknownLabel = 42;
+
+// Where each count stands among the window's labels: CountLabel::CELL, CountLabel::Total, ...
+namespace CountLabel {
+enum : std::size_t {
+#define QUILLON_LABEL(T, Record, read, write, label, ...) T = label,
+    QUILLON_RECORD_TYPES(QUILLON_LABEL)
+#undef QUILLON_LABEL
+    Unknown = QUILLON_UNKNOWN_LABEL,
+    Total = QUILLON_TOTAL_LABEL,
+};
+} // namespace CountLabel
 
 // The caption of count label i ("ACTI:" ... "STLN:"), in the display's own order.
 const char* countCaption(std::size_t i);

@@ -70,7 +70,7 @@ const std::vector<Command>& commands() {
         // Save's own work, without the disk: what the writers cost.
         {"serialise", open,
          [](Session& s, BenchDialogs& d, const std::string&) {
-             if (serialiseStore(s.store, std::int32_t(s.counts.number(kTotalLabel)), 1, d).empty()) std::abort();
+             if (serialiseStore(s.store, std::int32_t(s.counts.number(CountLabel::Total)), 1, d).empty()) std::abort();
          }},
         {"export", open, [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
         {"import",

@@ -202,11 +202,11 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
 
 Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
     // The checks read the displayed counts, not the store.
-    if (session.counts.number(7) <= 0) {
+    if (session.counts.number(CountLabel::CELL) <= 0) {
         dialogs.tell("No cells found in current file.", Icon::None);
         return Outcome::failed("the file holds no cells");
     }
-    if (session.counts.number(29) <= 0) {
+    if (session.counts.number(CountLabel::NPC_) <= 0) {
         dialogs.tell("No NPCs found in current file.", Icon::None);
         return Outcome::failed("the file holds no NPCs");
     }

@@ -107,7 +107,7 @@ TEST(BadInput, OutputsThatCannotBeWritten) {
     EXPECT_EQ(readAll(old), "the previous export");
     d.savePaths = {dir.file("no/such/folder/list.txt")};
     d.inputs = {"a"};
-    s.counts.shown[7] = s.counts.shown[29] = "1";
+    s.counts.shown[CountLabel::CELL] = s.counts.shown[CountLabel::NPC_] = "1";
     ExportNpcList(s, d, NpcListFormat::PlainText, false);
     EXPECT_EQ(lastLog(s), "-An error occured during NPC listing. The list may be incomplete.");
 }

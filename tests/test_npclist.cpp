@@ -116,7 +116,7 @@ TEST(NpcList, NothingToListAndDisplayedCounts) {
     Session s;
     ScriptedDialogs d;
     openPath(s, d, dir.write("w.esp", smallWorld()));
-    s.counts.shown[29] = "0";
+    s.counts.shown[CountLabel::NPC_] = "0";
     ExportNpcList(s, d, NpcListFormat::Html, false);
     EXPECT_EQ(d.messages.back(), "No NPCs found in current file.");
     EXPECT_TRUE(d.fileRequests.empty());

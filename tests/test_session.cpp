@@ -55,9 +55,9 @@ TEST(Open, LogsReadCountsAndHeaderMismatch) {
     EXPECT_EQ(d.fileRequests[0].flags, 0x1004u);
     EXPECT_EQ(d.refreshes, 1);
     EXPECT_TRUE(s.fileGroupEnabled);
-    EXPECT_EQ(s.counts.shown[39], "2"); // STAT
-    EXPECT_EQ(s.counts.shown[41], "1"); // TES3
-    EXPECT_EQ(s.counts.shown[kTotalLabel], "3");
+    EXPECT_EQ(s.counts.shown[CountLabel::STAT], "2"); // STAT
+    EXPECT_EQ(s.counts.shown[CountLabel::TES3], "1"); // TES3
+    EXPECT_EQ(s.counts.shown[CountLabel::Total], "3");
     EXPECT_EQ(s.openFolder, dir.file("x.esp").substr(0, dir.file("x.esp").size() - 6));
 
     openPath(s, d, dir.write("y.esm", plugin(12, 11)));
@@ -92,7 +92,7 @@ TEST(Save, WritesOverTheCurrentFileWithDisplayedTotal) {
     ScriptedDialogs d;
     std::string path = dir.write("p.esp", plugin(5, 2));
     openPath(s, d, path);
-    s.counts.shown[kTotalLabel] = "7"; // the header's count comes from the display
+    s.counts.shown[CountLabel::Total] = "7"; // the header's count comes from the display
     ASSERT_TRUE(Save(s, d).isDone());
     EXPECT_EQ(logLines(s).at(2), "-Writing \"p.esp\"...");
     EXPECT_EQ(withoutTime(logLines(s).at(3)), "-Finished writing \"p.esp\" in T seconds. 7 records have been written.");

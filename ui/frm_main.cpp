@@ -200,9 +200,9 @@ QWidget* FrmMain::centralArea() {
         if (++column == 4) column = 0, ++row;
     };
     for (std::size_t i = 0; i < kCountLabels; ++i)
-        if (!isSavegameLabel(i) && i != kTotalLabel && i != kUnknownLabel) place(i);
-    place(kUnknownLabel);
-    place(kTotalLabel);
+        if (!isSavegameLabel(i) && i != CountLabel::Total && i != CountLabel::Unknown) place(i);
+    place(CountLabel::Unknown);
+    place(CountLabel::Total);
     row += 1, column = 0;
     counts->addWidget(lblSaves, row++, 0, 1, 8);
     for (std::size_t i = 0; i < kCountLabels; ++i)
