@@ -3,9 +3,14 @@
 #include "app/text.h"
 #include "records/es_read.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <vector>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 namespace quillon {
 
@@ -129,5 +134,32 @@ std::string findDataFolder(const FolderSearch& s) {
         if (fs::path found = find(s); isFolder(found)) return found.string();
     return {};
 }
+
+#ifdef _WIN32
+std::string systemDataFolder() {
+    // The game's install folder from its registry key, as the Windows game sets it.
+    HKEY key = nullptr;
+    std::string folder;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Bethesda Softworks\\Morrowind", 0, 0x2003F, &key) ==
+        ERROR_SUCCESS) {
+        char buffer[1024] = {};
+        DWORD size = sizeof buffer;
+        if (RegQueryValueExA(key, "Installed Path", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size) ==
+            ERROR_SUCCESS)
+            folder = std::string(buffer) + "\\Data Files";
+    }
+    if (key) RegCloseKey(key);
+    return folder;
+}
+#else
+std::string systemDataFolder() {
+    const char* home = std::getenv("HOME");
+    return findDataFolder({[](const char* name) {
+                               const char* v = std::getenv(name);
+                               return std::string(v ? v : "");
+                           },
+                           home ? home : ""});
+}
+#endif
 
 } // namespace quillon

@@ -19,6 +19,10 @@ std::string findDataFolder(const FolderSearch& search);
 // Wow6432Node key), with its escapes undone; empty when absent.
 std::string wineInstalledPath(const std::string& systemReg);
 
+// The game's "Data Files" folder on this system: the game's registry key on Windows, elsewhere
+// findDataFolder over the environment and the home folder; empty when not found.
+std::string systemDataFolder();
+
 // The line the log shows when the game cannot be found.
 extern const char* const kGameNotFoundWarning;
 

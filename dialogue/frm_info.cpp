@@ -1,8 +1,8 @@
 #include "dialogue/frm_info.h"
 
 #include "app/text.h"
-#include "ui/code_page.h"
-#include "ui/form_text.h"
+#include "qt_text/code_page.h"
+#include "qt_text/form_text.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

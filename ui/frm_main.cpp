@@ -5,7 +5,7 @@
 #include "cleanup/morrowindize.h"
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
-#include "ui/code_page.h"
+#include "qt_text/code_page.h"
 #include "ui/qt_dialogs.h"
 
 #include <QApplication>
@@ -24,40 +24,70 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <new>
 
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 namespace quillon {
 
 namespace {
 
-QPushButton* button(const char* name, const char* caption, const char* tip) {
-    auto* b = new QPushButton(QString::fromLatin1(caption));
-    b->setObjectName(name);
-    b->setToolTip(QString::fromLatin1(tip));
-    return b;
-}
+enum class Menu { File, Edit, Help };
 
-#ifdef _WIN32
-// The game's install folder from its registry key, as the Windows game sets it.
-std::string registryDataFolder() {
-    HKEY key = nullptr;
-    std::string folder;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Bethesda Softworks\\Morrowind", 0, 0x2003F, &key) == ERROR_SUCCESS) {
-        char buffer[1024] = {};
-        DWORD size = sizeof buffer;
-        if (RegQueryValueExA(key, "Installed Path", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size) ==
-            ERROR_SUCCESS)
-            folder = std::string(buffer) + "\\Data Files";
-    }
-    if (key) RegCloseKey(key);
-    return folder;
+// One command of the window: its menu entry, its button, its key (with Ctrl) and its handler.
+struct WindowCommand {
+    const char* entry; // the menu entry's object name
+    Menu menu;
+    const char* caption;
+    void (FrmMain::*handler)();
+    char key = 0;       // none when 0
+    bool shift = false; // Ctrl+Shift rather than Ctrl
+    // The key runs the command only while its entry is enabled (Ctrl+P and Ctrl+A run always).
+    bool keyChecksEnabled = true;
+    bool needsFile = false; // in the group enabled only while a file is open
+    bool separatorBefore = false;
+    const char* button = nullptr; // the twin button's object name, caption and tool tip
+    const char* buttonCaption = nullptr;
+    const char* buttonTip = nullptr;
+};
+
+// In menu order. There is deliberately no key for loop detection.
+const WindowCommand kCommands[] = {
+    {.entry = "mnuOpen", .menu = Menu::File, .caption = "&Open", .handler = &FrmMain::onOpen, .key = 'O'},
+    {.entry = "mnuSave", .menu = Menu::File, .caption = "&Save", .handler = &FrmMain::onSave, .key = 'S', .needsFile = true},
+    {.entry = "mnuSaveAs", .menu = Menu::File, .caption = "&Save as", .handler = &FrmMain::onSaveAs, .key = 'S', .shift = true, .needsFile = true},
+    {.entry = "mnuClose", .menu = Menu::File, .caption = "&Close", .handler = &FrmMain::onClose, .key = 'C', .needsFile = true},
+    {.entry = "mnuExit", .menu = Menu::File, .caption = "E&xit", .handler = &FrmMain::onExit, .key = 'X', .separatorBefore = true},
+    {.entry = "mnuExport", .menu = Menu::Edit, .caption = "&Export Dialogue", .handler = &FrmMain::onExport, .key = 'E', .needsFile = true,
+     .button = "cmdExport", .buttonCaption = "Ex&port ",
+     .buttonTip = "Export all dialogue responses to a text-file for easy editing."},
+    {.entry = "mnuImport", .menu = Menu::Edit, .caption = "&Import Dialogue", .handler = &FrmMain::onImport, .key = 'I', .needsFile = true,
+     .button = "cmdImport", .buttonCaption = "&Import ",
+     .buttonTip = "Import dialogue from previously-exported text file."},
+    {.entry = "mnuList", .menu = Menu::Edit, .caption = "Export NPC &List", .handler = &FrmMain::onList, .key = 'L', .needsFile = true, .button = "cmdList",
+     .buttonCaption = "Export Character &List",
+     .buttonTip = "This will export a list of NPCs and their details from a chosen cell."},
+    {.entry = "mnuLoops", .menu = Menu::Edit, .caption = "&Detect Loops", .handler = &FrmMain::onLoops, .needsFile = true, .button = "cmdLoops",
+     .buttonCaption = "&Detect Loops ",
+     .buttonTip = "Checks the dialogue of the currently loaded file for looping problems."},
+    {.entry = "mnuClean", .menu = Menu::Edit, .caption = "&Morrowindize Dialogue", .handler = &FrmMain::onSpellCheck, .key = 'M', .needsFile = true,
+     .separatorBefore = true, .button = "cmdSpellCheck", .buttonCaption = "&Morrowindize ",
+     .buttonTip = "Fix dialogue for common Morrowind misspellings, capitalization, and invalid characters."},
+    {.entry = "mnuOptions", .menu = Menu::Edit, .caption = "Morrowindization O&ptions", .handler = &FrmMain::onOptions, .key = 'P',
+     .keyChecksEnabled = false, .needsFile = true, .button = "cmdOptions", .buttonCaption = "O&ptions ",
+     .buttonTip = "Gives access to Morrowindization options."},
+    {.entry = "mnuQuotesXml", .menu = Menu::Edit, .caption = "Export &Quotes as XML", .handler = &FrmMain::onQuotesXml, .needsFile = true,
+     .separatorBefore = true},
+    {.entry = "mnuQuotesKst", .menu = Menu::Edit, .caption = "Export Quotes as &Kestrel File", .handler = &FrmMain::onQuotesKst, .needsFile = true},
+    {.entry = "mnuAbout", .menu = Menu::Help, .caption = "&About", .handler = &FrmMain::onAbout, .key = 'A', .keyChecksEnabled = false},
+};
+
+// The key as the menus show it beside a caption.
+QString keyHint(const WindowCommand& c) {
+    QString sequence = QStringLiteral("Ctrl+") + (c.shift ? QStringLiteral("Shift+") : QString()) + QChar(c.key);
+    return QKeySequence(sequence).toString(QKeySequence::NativeText);
 }
-#endif
 
 } // namespace
 
@@ -85,55 +115,43 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
 FrmMain::~FrmMain() { qApp->removeEventFilter(this); }
 
 void FrmMain::createMenus() {
-    // The key shows as a hint beside the caption only: the window's own key table handles the
-    // keys, so a registered shortcut would fire a command twice.
-    auto entry = [this](QMenu* menu, const char* name, const char* caption, void (FrmMain::*slot)(),
-                        const char* key = nullptr) {
-        QString text = QString::fromLatin1(caption);
-        if (key) text += '\t' + QKeySequence(QString::fromLatin1(key)).toString(QKeySequence::NativeText);
+    QMenu* menus[] = {menuBar()->addMenu(QStringLiteral("&File")), menuBar()->addMenu(QStringLiteral("&Edit")),
+                      menuBar()->addMenu(QStringLiteral("&Help"))};
+    menus[0]->setObjectName("mnuFile");
+    menus[1]->setObjectName("mnuEdit");
+    menus[2]->setObjectName("mnuHelp");
+    int separators = 0;
+    for (const WindowCommand& c : kCommands) {
+        QMenu* menu = menus[int(c.menu)];
+        if (c.separatorBefore) {
+            QAction* separator = menu->addSeparator();
+            // The first two carry the names the forms gave them.
+            if (++separators <= 2) separator->setObjectName(QStringLiteral("mnuJunk%1").arg(separators));
+        }
+        // The key shows as a hint beside the caption only: the window's own key table handles the
+        // keys, so a registered shortcut would fire a command twice.
+        QString text = QString::fromLatin1(c.caption);
+        if (c.key) text += '\t' + keyHint(c);
         QAction* a = menu->addAction(text);
-        a->setObjectName(name);
-        connect(a, &QAction::triggered, this, slot);
-        return a;
-    };
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
-    file->setObjectName("mnuFile");
-    mnuOpen = entry(file, "mnuOpen", "&Open", &FrmMain::onOpen, "Ctrl+O");
-    mnuSave = entry(file, "mnuSave", "&Save", &FrmMain::onSave, "Ctrl+S");
-    mnuSaveAs = entry(file, "mnuSaveAs", "&Save as", &FrmMain::onSaveAs, "Ctrl+Shift+S");
-    mnuClose = entry(file, "mnuClose", "&Close", &FrmMain::onClose, "Ctrl+C");
-    file->addSeparator()->setObjectName("mnuJunk1");
-    mnuExit = entry(file, "mnuExit", "E&xit", &FrmMain::onExit, "Ctrl+X");
-
-    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
-    edit->setObjectName("mnuEdit");
-    // The Edit entries run the handlers of their twin buttons.
-    mnuExport = entry(edit, "mnuExport", "&Export Dialogue", &FrmMain::onExport, "Ctrl+E");
-    mnuImport = entry(edit, "mnuImport", "&Import Dialogue", &FrmMain::onImport, "Ctrl+I");
-    mnuList = entry(edit, "mnuList", "Export NPC &List", &FrmMain::onList, "Ctrl+L");
-    mnuLoops = entry(edit, "mnuLoops", "&Detect Loops", &FrmMain::onLoops);
-    edit->addSeparator()->setObjectName("mnuJunk2");
-    mnuClean = entry(edit, "mnuClean", "&Morrowindize Dialogue", &FrmMain::onSpellCheck, "Ctrl+M");
-    mnuOptions = entry(edit, "mnuOptions", "Morrowindization O&ptions", &FrmMain::onOptions, "Ctrl+P");
-    edit->addSeparator();
-    mnuQuotesXml = entry(edit, "mnuQuotesXml", "Export &Quotes as XML", &FrmMain::onQuotesXml);
-    mnuQuotesKst = entry(edit, "mnuQuotesKst", "Export Quotes as &Kestrel File", &FrmMain::onQuotesKst);
-
-    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
-    help->setObjectName("mnuHelp");
-    mnuAbout = entry(help, "mnuAbout", "&About", &FrmMain::onAbout, "Ctrl+A");
+        a->setObjectName(c.entry);
+        connect(a, &QAction::triggered, this, c.handler);
+        entries_.push_back(a);
+    }
 }
 
 void FrmMain::createFrames() {
-    cmdExport = button("cmdExport", "Ex&port ", "Export all dialogue responses to a text-file for easy editing.");
-    cmdImport = button("cmdImport", "&Import ", "Import dialogue from previously-exported text file.");
-    cmdLoops = button("cmdLoops", "&Detect Loops ",
-                      "Checks the dialogue of the currently loaded file for looping problems.");
-    cmdSpellCheck = button("cmdSpellCheck", "&Morrowindize ",
-                           "Fix dialogue for common Morrowind misspellings, capitalization, and invalid characters.");
-    cmdOptions = button("cmdOptions", "O&ptions ", "Gives access to Morrowindization options.");
-    cmdList = button("cmdList", "Export Character &List",
-                     "This will export a list of NPCs and their details from a chosen cell.");
+    // The Edit entries and their twin buttons run the same handlers.
+    for (const WindowCommand& c : kCommands) {
+        if (!c.button) {
+            buttons_.push_back(nullptr);
+            continue;
+        }
+        auto* b = new QPushButton(QString::fromLatin1(c.buttonCaption));
+        b->setObjectName(c.button);
+        b->setToolTip(QString::fromLatin1(c.buttonTip));
+        connect(b, &QPushButton::clicked, this, c.handler);
+        buttons_.push_back(b);
+    }
     auto radio = [](const char* name, const char* caption, const char* tip) {
         auto* r = new QRadioButton(QString::fromLatin1(caption));
         r->setObjectName(name);
@@ -149,13 +167,12 @@ void FrmMain::createFrames() {
     // "exporitng" is the tool tip's own spelling.
     chkClones->setToolTip(QStringLiteral(
         "Checking this will allow exporitng of Clone NPCs, such as guards, \"cattle\", and the like."));
+}
 
-    connect(cmdExport, &QPushButton::clicked, this, &FrmMain::onExport);
-    connect(cmdImport, &QPushButton::clicked, this, &FrmMain::onImport);
-    connect(cmdLoops, &QPushButton::clicked, this, &FrmMain::onLoops);
-    connect(cmdSpellCheck, &QPushButton::clicked, this, &FrmMain::onSpellCheck);
-    connect(cmdOptions, &QPushButton::clicked, this, &FrmMain::onOptions);
-    connect(cmdList, &QPushButton::clicked, this, &FrmMain::onList);
+QWidget* FrmMain::buttonOf(const char* entry) const {
+    for (std::size_t i = 0; i < std::size(kCommands); ++i)
+        if (std::strcmp(kCommands[i].entry, entry) == 0) return buttons_[i];
+    return nullptr;
 }
 
 void FrmMain::createCounts() {
@@ -186,9 +203,9 @@ QWidget* FrmMain::centralArea() {
         return box;
     };
     auto* left = new QVBoxLayout;
-    left->addWidget(frame("frmDummy1", "Dialogue", {cmdExport, cmdImport, cmdLoops}));
-    left->addWidget(frame("Frame1", "Morrowindization", {cmdSpellCheck, cmdOptions}));
-    left->addWidget(frame("frmDummy2", "Other", {cmdList, optPure, optHTML, optPHP, chkClones}));
+    left->addWidget(frame("frmDummy1", "Dialogue", {buttonOf("mnuExport"), buttonOf("mnuImport"), buttonOf("mnuLoops")}));
+    left->addWidget(frame("Frame1", "Morrowindization", {buttonOf("mnuClean"), buttonOf("mnuOptions")}));
+    left->addWidget(frame("frmDummy2", "Other", {buttonOf("mnuList"), optPure, optHTML, optPHP, chkClones}));
     left->addStretch();
 
     // The counts of plugin types in four columns, then the savegame types under their heading.
@@ -222,15 +239,7 @@ QWidget* FrmMain::centralArea() {
 }
 
 void FrmMain::lookUpGameFolder() {
-#ifdef _WIN32
-    std::string folder = registryDataFolder();
-#else
-    std::string folder = findDataFolder({[](const char* name) {
-                                             const char* v = std::getenv(name);
-                                             return std::string(v ? v : "");
-                                         },
-                                         std::getenv("HOME") ? std::getenv("HOME") : ""});
-#endif
+    std::string folder = systemDataFolder();
     if (!folder.empty()) {
         session_.openFolder = folder;
         return;
@@ -239,20 +248,16 @@ void FrmMain::lookUpGameFolder() {
     session_.log.setCaption(std::string(kGameNotFoundWarning) + "\r\n");
 }
 
-std::vector<QObject*> FrmMain::fileGroup() const {
-    return {cmdExport, cmdImport, cmdList, cmdSpellCheck, mnuClose, mnuSave, mnuSaveAs, mnuList, mnuExport,
-            mnuImport, mnuClean, mnuOptions, cmdOptions, cmdLoops, mnuLoops, mnuQuotesXml, mnuQuotesKst};
-}
-
 void FrmMain::refresh() {
     QString log = fromCodePage(session_.log.caption());
     log.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (log.endsWith('\n')) log.chop(1);
     lblLog->setText(log);
     for (std::size_t i = 0; i < kCountLabels; ++i) lblCount[i]->setText(QString::fromStdString(session_.counts.shown[i]));
-    for (QObject* control : fileGroup()) {
-        if (auto* w = qobject_cast<QWidget*>(control)) w->setEnabled(session_.fileGroupEnabled);
-        if (auto* a = qobject_cast<QAction*>(control)) a->setEnabled(session_.fileGroupEnabled);
+    for (std::size_t i = 0; i < std::size(kCommands); ++i) {
+        if (!kCommands[i].needsFile) continue;
+        entries_[i]->setEnabled(session_.fileGroupEnabled);
+        if (buttons_[i]) buttons_[i]->setEnabled(session_.fileGroupEnabled);
     }
 }
 
@@ -292,27 +297,18 @@ bool FrmMain::eventFilter(QObject* watched, QEvent* event) {
 
 bool FrmMain::handleShortcut(int key, int shiftState) {
     if (!(shiftState & 2)) return false;
-    // There is deliberately no key for loop detection.
-    switch (key) {
-    case Qt::Key_X: if (mnuExit->isEnabled()) onExit(); return true;
-    case Qt::Key_C: if (mnuClose->isEnabled()) onClose(); return true;
-    case Qt::Key_O: if (mnuOpen->isEnabled()) onOpen(); return true;
-    case Qt::Key_E: if (cmdExport->isEnabled()) onExport(); return true;
-    case Qt::Key_I: if (cmdImport->isEnabled()) onImport(); return true;
-    case Qt::Key_M: if (cmdSpellCheck->isEnabled()) onSpellCheck(); return true;
-    case Qt::Key_L: if (cmdList->isEnabled()) onList(); return true;
-    case Qt::Key_P: onOptions(); return true; // no check of the enabled state, as the table says
-    case Qt::Key_S:
-        if (mnuSaveAs->isEnabled()) {
-            if (shiftState == 3 || shiftState == 7)
-                onSaveAs();
-            else
-                onSave();
-        }
-        return true;
-    case Qt::Key_A: onAbout(); return true;
-    default: return false;
+    // Shift picks the shifted twin of a key (Ctrl+Shift+S); a key without one ignores Shift.
+    const WindowCommand* found = nullptr;
+    std::size_t index = 0;
+    for (std::size_t i = 0; i < std::size(kCommands); ++i) {
+        const WindowCommand& c = kCommands[i];
+        if (c.key == 0 || key != c.key) continue; // Qt's letter keys are their capitals
+        if (!found || c.shift == bool(shiftState & 1)) found = &c, index = i;
     }
+    if (!found) return false;
+    // A known key is taken even while its command is disabled.
+    if (!found->keyChecksEnabled || entries_[index]->isEnabled()) (this->*found->handler)();
+    return true;
 }
 
 void FrmMain::dragEnterEvent(QDragEnterEvent* event) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QAction;
 class QCheckBox;
@@ -43,8 +44,11 @@ private:
     // Runs a command, then shows what it changed.
     void run(const std::function<void()>& command);
     bool handleShortcut(int key, int shiftState);
-    std::vector<QObject*> fileGroup() const;
+    // The button of the command whose menu entry is named entry.
+    QWidget* buttonOf(const char* entry) const;
 
+public:
+    // The commands' handlers, named in the window's command table.
     void onOpen();
     void onClose();
     void onExit();
@@ -60,19 +64,19 @@ private:
     void onQuotesKst();
     void onAbout();
 
+private:
     Session& session_;
     std::unique_ptr<Dialogs> ownDialogs_;
     Dialogs* dialogs_;
 
-    QPushButton *cmdExport, *cmdImport, *cmdLoops, *cmdSpellCheck, *cmdOptions, *cmdList;
+    // Per command of the table, in its order: the menu entry, and the button or null.
+    std::vector<QAction*> entries_;
+    std::vector<QWidget*> buttons_;
     QRadioButton *optPure, *optHTML, *optPHP;
     QCheckBox* chkClones;
     QLabel* lblLog;
     QLabel* lblSaves;
     std::array<QLabel*, 57> lblRecName{}, lblCount{};
-    QAction *mnuOpen, *mnuSave, *mnuSaveAs, *mnuClose, *mnuExit;
-    QAction *mnuExport, *mnuImport, *mnuList, *mnuLoops, *mnuClean, *mnuOptions, *mnuQuotesXml, *mnuQuotesKst;
-    QAction* mnuAbout;
 };
 
 } // namespace quillon

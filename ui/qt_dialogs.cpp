@@ -4,7 +4,7 @@
 #include "cleanup/frm_options.h"
 #include "dialogue/frm_info.h"
 #include "dialogue/frm_info2.h"
-#include "ui/code_page.h"
+#include "qt_text/code_page.h"
 #include "ui/frm_about.h"
 
 #include <QFileDialog>

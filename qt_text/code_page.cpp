@@ -1,4 +1,4 @@
-#include "ui/code_page.h"
+#include "qt_text/code_page.h"
 
 namespace quillon {
 

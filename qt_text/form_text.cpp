@@ -1,6 +1,6 @@
-#include "ui/form_text.h"
+#include "qt_text/form_text.h"
 
-#include "ui/code_page.h"
+#include "qt_text/code_page.h"
 
 #include <QMessageBox>
 
