@@ -62,8 +62,9 @@ public:
         editRequests.push_back(actor + "|" + topic + "|" + std::to_string(choice));
         return pop(loopFixes, LoopFix{2, text, result});
     }
-    void editOptions(CleanupSettings&) override {}
-    void about() override {}
+    int optionsShown = 0, aboutShown = 0;
+    void editOptions(CleanupSettings&) override { ++optionsShown; }
+    void about() override { ++aboutShown; }
     void refreshLog() override { ++refreshes; }
     std::deque<DamageChoice> damageChoices;
     std::vector<DamageReport> damageReports;

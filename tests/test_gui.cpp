@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <functional>
+
 using namespace quillon;
 using namespace quillon::test;
 
@@ -91,6 +93,51 @@ TEST(MainWindow, ShortcutsOpenSaveAndClose) {
     QString log = w.find<QLabel>("lblLog")->text();
     EXPECT_EQ(log.count(QChar(0x0A)), 5); // the newest six lines only
     EXPECT_TRUE(log.endsWith("-Closed \"w.esp\" successfully."));
+}
+
+// Every key of the window's table, with no file open and with one: a file command's key does
+// nothing until a file is open, except Ctrl+P, which shows the options all the same.
+TEST(MainWindow, KeyTable) {
+    struct Row {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        bool needsFile;
+        std::function<bool(Window&)> ran;
+    };
+    auto logHas = [](const char* text) {
+        return [text](Window& w) { return w.session.log.caption().find(text) != std::string::npos; };
+    };
+    // The last file dialog asked for, if any.
+    auto lastRequest = [](Window& w) { return w.dialogs.fileRequests.empty() ? FileRequest{} : w.dialogs.fileRequests.back(); };
+    const Qt::KeyboardModifiers ctrl = Qt::ControlModifier, shift = Qt::ControlModifier | Qt::ShiftModifier;
+    const std::vector<Row> rows = {
+        {Qt::Key_O, ctrl, false, [](Window& w) { return w.dialogs.fileRequests.size() == 2; }},
+        {Qt::Key_S, ctrl, true, logHas("-Finished writing \"w.esp\"")},
+        {Qt::Key_S, shift, true, [&](Window& w) { return lastRequest(w).filterIndex == 2; }},
+        {Qt::Key_C, ctrl, true, logHas("-Closed")},
+        {Qt::Key_E, ctrl, true, [&](Window& w) { return lastRequest(w).defaultExtension == ".txt"; }},
+        {Qt::Key_I, ctrl, true, [&](Window& w) { return lastRequest(w).filter.rfind("Text", 0) == 0; }},
+        {Qt::Key_M, ctrl, true, logHas("-Morrowindizing")},
+        {Qt::Key_L, ctrl, true, [](Window& w) { return !w.dialogs.messages.empty(); }},
+        {Qt::Key_P, ctrl, false, [](Window& w) { return w.dialogs.optionsShown == 1; }},
+        {Qt::Key_A, ctrl, false, [](Window& w) { return w.dialogs.aboutShown == 1; }},
+        {Qt::Key_X, ctrl, false, [](Window& w) { return !w.window.isVisible(); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(QKeySequence(row.modifiers | row.key).toString().toStdString());
+        Window none;
+        none.dialogs.openPaths = {""};
+        none.dialogs.savePaths = {""};
+        none.key(row.key, row.modifiers);
+        if (row.key == Qt::Key_O) none.dialogs.fileRequests.push_back({}); // the one open() would add
+        EXPECT_EQ(row.ran(none), !row.needsFile);
+
+        Window opened;
+        opened.open();
+        opened.dialogs.savePaths = {""};
+        opened.key(row.key, row.modifiers);
+        EXPECT_TRUE(row.ran(opened));
+    }
 }
 
 TEST(MainWindow, SaveAfterARefusedOpenDoesNotReplaceTheRefusedFile) {
