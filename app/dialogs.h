@@ -20,8 +20,8 @@ enum FileFlags : unsigned {
 };
 
 struct FileRequest {
-    std::string filter;     // "description|pattern|description|pattern..."
-    int filterIndex = 1;    // 1-based
+    std::string filter;  // "description|pattern|description|pattern..."
+    int filterIndex = 1; // 1-based
     std::string initialFolder;
     std::string defaultExtension;
     unsigned flags = 0;
@@ -52,7 +52,8 @@ public:
     virtual std::string openFile(const FileRequest& request) = 0;
     virtual std::string saveFile(const FileRequest& request) = 0;
     // Edits one response within the game's length limit; returns the text to keep.
-    virtual std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) = 0;
+    virtual std::string editResponse(const std::string& actor, const std::string& topic,
+                                     const std::string& text) = 0;
     virtual LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                             const std::string& result, std::int32_t choice) = 0;
     virtual void editOptions(CleanupSettings& settings) = 0;

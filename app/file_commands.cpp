@@ -12,9 +12,9 @@ const char* const kOpenDataFilter =
     "Elder Scrolls Data File (*.ESP, *.ESM, *.ESS, *.ESD)|*.ESM;*.ESP;*.ESS;*.ESD|Elder Scrolls Master File "
     "(*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File (*.ESS)|*.ESS| All Files "
     "(*.*)| *.*";
-const char* const kSaveDataFilter =
-    "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File "
-    "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD| All Files (*.*)| *.*";
+const char* const kSaveDataFilter = "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File "
+                                    "(*.ESP)|*.ESP|Elder Scrolls Save File "
+                                    "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD| All Files (*.*)| *.*";
 
 namespace {
 
@@ -64,14 +64,17 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         std::string line = "-Read " + std::to_string(recordCount) + " records from \"" + name +
                            "\" successfully in " + formatSeconds(ms) + " seconds.";
         // The count read includes the header; the header's own count does not.
-        if (recordCount - 1 != expected) line += " File should contain " + std::to_string(expected) + " record(s).";
+        if (recordCount - 1 != expected)
+            line += " File should contain " + std::to_string(expected) + " record(s).";
         session.log.LogLine(line);
         if (diagnostics.truncated)
-            session.log.LogLine("-Warning: \"" + name + "\" ends inside a record; its last record is incomplete.");
+            session.log.LogLine("-Warning: \"" + name +
+                                "\" ends inside a record; its last record is incomplete.");
         if (recordCount == 0 && ms > 0)
             session.log.LogLine("-Warning: \"" + name + "\" holds no records.");
         else if (session.store.TES3.empty() && ms > 0)
-            session.log.LogLine("-Warning: \"" + name + "\" does not begin with a TES3 header; it may not be a data file.");
+            session.log.LogLine("-Warning: \"" + name +
+                                "\" does not begin with a TES3 header; it may not be a data file.");
         session.fileStamp = stampOf(path);
         session.recordsPath = path;
     }
@@ -113,7 +116,8 @@ Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& pa
     WriteResult result = WriteESFile(session.store, path, recordCount, prompts);
     if (result.status == WriteResult::Failed) {
         session.log.LogLine(failureLine);
-        dialogs.tell("\"" + name + "\" could not be written: " + result.error + ". The file on disk is unchanged.",
+        dialogs.tell("\"" + name + "\" could not be written: " + result.error +
+                         ". The file on disk is unchanged.",
                      Icon::Critical);
         return Outcome::failed(result.error);
     }
@@ -127,7 +131,8 @@ Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& pa
     }
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
-                        std::to_string(session.counts.number(CountLabel::Total)) + " records have been written.");
+                        std::to_string(session.counts.number(CountLabel::Total)) +
+                        " records have been written.");
     if (result.status == WriteResult::Declined) return Outcome::declined("the savegame was not written");
     return Outcome::done();
 }
@@ -143,18 +148,21 @@ Outcome Save(Session& session, Dialogs& dialogs) {
     // would destroy a file that was never read.
     bool foreignTarget = !session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath);
     if (foreignTarget &&
-        dialogs.ask({QuestionId::ReplaceOtherFile}, "The records open here were read from \"" + bareName(session.recordsPath) +
-                            "\". Save would replace \"" + name + "\" with them.",
-                        Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
+        dialogs.ask({QuestionId::ReplaceOtherFile},
+                    "The records open here were read from \"" + bareName(session.recordsPath) +
+                        "\". Save would replace \"" + name + "\" with them.",
+                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
         return Outcome::declined("the records were not read from \"" + name + "\"");
     }
     // Another program changed the file since it was read: overwriting would lose that work.
     std::string now = stampOf(session.currentPath);
     if (!foreignTarget && !session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
-        dialogs.ask({QuestionId::OverwriteChangedFile}, "\"" + name + "\" has been changed on disk since it was opened. Overwrite it with the "
+        dialogs.ask({QuestionId::OverwriteChangedFile},
+                    "\"" + name +
+                        "\" has been changed on disk since it was opened. Overwrite it with the "
                         "records open here?",
-                        Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
+                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
         return Outcome::declined("\"" + name + "\" was changed on disk");
     }

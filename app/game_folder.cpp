@@ -47,7 +47,8 @@ fs::path wineToLocal(const fs::path& prefix, const std::string& windowsPath) {
     std::string rest = windowsPath.substr(2);
     for (char& c : rest)
         if (c == '\\') c = '/';
-    while (!rest.empty() && rest.front() == '/') rest.erase(0, 1);
+    while (!rest.empty() && rest.front() == '/')
+        rest.erase(0, 1);
     return prefix / "dosdevices" / drive / rest;
 }
 
@@ -98,7 +99,8 @@ fs::path fromOpenMw(const FolderSearch& s) {
         std::string entry = line.substr(std::min(line.size(), line.find_first_not_of(" \t")));
         if (entry.rfind("data=", 0) != 0) continue;
         std::string path = entry.substr(5);
-        if (path.size() >= 2 && path.front() == '"' && path.back() == '"') path = path.substr(1, path.size() - 2);
+        if (path.size() >= 2 && path.front() == '"' && path.back() == '"')
+            path = path.substr(1, path.size() - 2);
         if (isFolder(path)) return path;
     }
     return {};
@@ -144,8 +146,8 @@ std::string systemDataFolder() {
         ERROR_SUCCESS) {
         char buffer[1024] = {};
         DWORD size = sizeof buffer;
-        if (RegQueryValueExA(key, "Installed Path", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size) ==
-            ERROR_SUCCESS)
+        if (RegQueryValueExA(key, "Installed Path", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer),
+                             &size) == ERROR_SUCCESS)
             folder = std::string(buffer) + "\\Data Files";
     }
     if (key) RegCloseKey(key);

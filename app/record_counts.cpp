@@ -16,7 +16,7 @@ struct Label {
 
 constexpr std::array<Label, kCountLabels> makeLabels() {
     std::array<Label, kCountLabels> labels{};
-#define QUILLON_LABEL(T, Record, read, write, label, family)                                                         \
+#define QUILLON_LABEL(T, Record, read, write, label, family)                                                 \
     labels[label] = {#T ":", [](const RecordStore& s) { return s.T.size(); }, Family::family};
     QUILLON_RECORD_TYPES(QUILLON_LABEL)
 #undef QUILLON_LABEL
@@ -35,10 +35,16 @@ static_assert(everyLabelPlaced(), "two record types share a count label, or one 
 
 } // namespace
 
-const char* countCaption(std::size_t i) { return kLabels[i].caption; }
-std::size_t storedCount(const RecordStore& store, std::size_t i) { return kLabels[i].count(store); }
+const char* countCaption(std::size_t i) {
+    return kLabels[i].caption;
+}
+std::size_t storedCount(const RecordStore& store, std::size_t i) {
+    return kLabels[i].count(store);
+}
 // CNTC stands among the savegame labels although the window lists it first.
-bool isSavegameLabel(std::size_t i) { return kLabels[i].family == Family::Save; }
+bool isSavegameLabel(std::size_t i) {
+    return kLabels[i].family == Family::Save;
+}
 
 void RecordCounts::ShowRecordCounts(const RecordStore& store, std::int32_t total) {
     for (std::size_t i = 0; i < kCountLabels; ++i)
@@ -46,6 +52,8 @@ void RecordCounts::ShowRecordCounts(const RecordStore& store, std::int32_t total
     shown[CountLabel::Total] = std::to_string(total);
 }
 
-std::int64_t RecordCounts::number(std::size_t i) const { return std::strtoll(shown[i].c_str(), nullptr, 10); }
+std::int64_t RecordCounts::number(std::size_t i) const {
+    return std::strtoll(shown[i].c_str(), nullptr, 10);
+}
 
 } // namespace quillon

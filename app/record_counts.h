@@ -15,7 +15,7 @@ enum : std::size_t {
 #define QUILLON_LABEL(T, Record, read, write, label, ...) T = label,
     QUILLON_RECORD_TYPES(QUILLON_LABEL)
 #undef QUILLON_LABEL
-    Unknown = QUILLON_UNKNOWN_LABEL,
+        Unknown = QUILLON_UNKNOWN_LABEL,
     Total = QUILLON_TOTAL_LABEL,
 };
 } // namespace CountLabel

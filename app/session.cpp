@@ -26,7 +26,9 @@ std::string trimBlanks(const std::string& text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void DialogPrompts::tell(const std::string& text) { dialogs_.tell(text, Icon::None); }
+void DialogPrompts::tell(const std::string& text) {
+    dialogs_.tell(text, Icon::None);
+}
 
 Reply DialogPrompts::ask(const Question& what, const std::string& text, bool withCancel) {
     switch (dialogs_.ask(what, text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {

@@ -10,7 +10,8 @@ namespace quillon {
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i)
-        if (foldCase(static_cast<unsigned char>(a[i])) != foldCase(static_cast<unsigned char>(b[i]))) return false;
+        if (foldCase(static_cast<unsigned char>(a[i])) != foldCase(static_cast<unsigned char>(b[i])))
+            return false;
     return true;
 }
 
@@ -22,7 +23,8 @@ CaselessFinder::CaselessFinder(std::string_view hay, std::string_view needle)
 std::size_t CaselessFinder::find(std::size_t from) {
     if (from >= end_) return std::string_view::npos;
     if (nextLower_ == kUnknown || nextLower_ < from) nextLower_ = next(lower_, from);
-    if (nextUpper_ == kUnknown || nextUpper_ < from) nextUpper_ = lower_ == upper_ ? end_ : next(upper_, from);
+    if (nextUpper_ == kUnknown || nextUpper_ < from)
+        nextUpper_ = lower_ == upper_ ? end_ : next(upper_, from);
     while (nextLower_ != end_ || nextUpper_ != end_) {
         std::size_t at = std::min(nextLower_, nextUpper_);
         if (equalsIgnoreCase(hay_.substr(at + 1, rest_.size()), rest_)) return at;
@@ -83,8 +85,8 @@ bool wildcardMatch(std::string_view text, std::string_view pattern) {
         if (p < pattern.size() && pattern[p] == '*') {
             star = p++;
             resume = t;
-        } else if (p < pattern.size() &&
-                   foldCase(static_cast<unsigned char>(pattern[p])) == foldCase(static_cast<unsigned char>(text[t]))) {
+        } else if (p < pattern.size() && foldCase(static_cast<unsigned char>(pattern[p])) ==
+                                             foldCase(static_cast<unsigned char>(text[t]))) {
             ++p, ++t;
         } else if (star != std::string_view::npos) {
             p = star + 1;
@@ -93,19 +95,22 @@ bool wildcardMatch(std::string_view text, std::string_view pattern) {
             return false;
         }
     }
-    while (p < pattern.size() && pattern[p] == '*') ++p;
+    while (p < pattern.size() && pattern[p] == '*')
+        ++p;
     return p == pattern.size();
 }
 
 std::string foldedKey(std::string_view text) {
     std::string key(text);
-    for (char& c : key) c = char(foldCase(static_cast<unsigned char>(c)));
+    for (char& c : key)
+        c = char(foldCase(static_cast<unsigned char>(c)));
     return key;
 }
 
 std::string readableExcerpt(std::string_view text, std::size_t limit) {
     if (text.size() <= limit) return std::string(text);
-    return std::string(text.substr(0, limit)) + "... (" + groupedNumber(std::int64_t(text.size())) + " characters)";
+    return std::string(text.substr(0, limit)) + "... (" + groupedNumber(std::int64_t(text.size())) +
+           " characters)";
 }
 
 } // namespace quillon

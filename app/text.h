@@ -13,12 +13,16 @@ namespace detail {
 // multiplication sign) and the four pairs of the 0x80-0x9F row.
 constexpr std::array<unsigned char, 256> caseTable(bool toLower) {
     std::array<unsigned char, 256> t{};
-    for (int c = 0; c < 256; ++c) t[c] = static_cast<unsigned char>(c);
+    for (int c = 0; c < 256; ++c)
+        t[c] = static_cast<unsigned char>(c);
     auto pair = [&](int up, int low) {
-        if (toLower) t[up] = static_cast<unsigned char>(low);
-        else t[low] = static_cast<unsigned char>(up);
+        if (toLower)
+            t[up] = static_cast<unsigned char>(low);
+        else
+            t[low] = static_cast<unsigned char>(up);
     };
-    for (int c = 'A'; c <= 'Z'; ++c) pair(c, c + 32);
+    for (int c = 'A'; c <= 'Z'; ++c)
+        pair(c, c + 32);
     pair(0x8A, 0x9A), pair(0x8C, 0x9C), pair(0x8E, 0x9E), pair(0x9F, 0xFF);
     for (int c = 0xC0; c <= 0xDE; ++c)
         if (c != 0xD7) pair(c, c + 32);
@@ -29,9 +33,13 @@ inline constexpr std::array<unsigned char, 256> kUpper = caseTable(false);
 } // namespace detail
 
 // The lower-case form of a Windows-1252 byte.
-inline unsigned char foldCase(unsigned char c) { return detail::kLower[c]; }
+inline unsigned char foldCase(unsigned char c) {
+    return detail::kLower[c];
+}
 // The upper-case form of a Windows-1252 byte.
-inline unsigned char upperCase(unsigned char c) { return detail::kUpper[c]; }
+inline unsigned char upperCase(unsigned char c) {
+    return detail::kUpper[c];
+}
 bool equalsIgnoreCase(std::string_view a, std::string_view b);
 // Position of needle in hay at or after from, ignoring case; npos when absent.
 std::size_t findIgnoreCase(std::string_view hay, std::string_view needle, std::size_t from = 0);

@@ -44,7 +44,7 @@ using Clock = std::chrono::steady_clock;
 struct Command {
     const char* name;
     // Untimed preparation of a fresh session, then the timed work.
-    std::function<void(Session&, BenchDialogs&, const std::string& file)> prepare, run;
+    std::function<void(Session&, BenchDialogs&, const std::string&file)> prepare, run;
 };
 
 CleanupSettings allOptions() {
@@ -66,21 +66,27 @@ const std::vector<Command>& commands() {
              if (bytes.empty()) std::abort();
          }},
         {"open", nothing, open},
-        {"save", open, [](Session& s, BenchDialogs& d, const std::string&) { saveAsPath(s, d, d.scratch + ".esm"); }},
+        {"save", open,
+         [](Session& s, BenchDialogs& d, const std::string&) { saveAsPath(s, d, d.scratch + ".esm"); }},
         // Save's own work, without the disk: what the writers cost.
         {"serialise", open,
          [](Session& s, BenchDialogs& d, const std::string&) {
-             if (serialiseStore(s.store, std::int32_t(s.counts.number(CountLabel::Total)), 1, d).empty()) std::abort();
+             if (serialiseStore(s.store, std::int32_t(s.counts.number(CountLabel::Total)), 1, d).empty())
+                 std::abort();
          }},
-        {"export", open, [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
+        {"export", open,
+         [](Session& s, BenchDialogs& d, const std::string&) { exportDialogueTo(s, d, d.scratch + ".txt"); }},
         {"import",
          [](Session& s, BenchDialogs& d, const std::string& f) {
              openPath(s, d, f);
              exportDialogueTo(s, d, d.scratch + ".txt");
          },
-         [](Session& s, BenchDialogs& d, const std::string&) { importDialogueFrom(s, d, d.scratch + ".txt"); }},
+         [](Session& s, BenchDialogs& d, const std::string&) {
+             importDialogueFrom(s, d, d.scratch + ".txt");
+         }},
         {"loops", open, [](Session& s, BenchDialogs& d, const std::string&) { DetectLoops(s, d); }},
-        {"morrowindize-none", open, [](Session& s, BenchDialogs& d, const std::string&) { Morrowindize(s, d); }},
+        {"morrowindize-none", open,
+         [](Session& s, BenchDialogs& d, const std::string&) { Morrowindize(s, d); }},
         {"morrowindize-all",
          [](Session& s, BenchDialogs& d, const std::string& f) {
              openPath(s, d, f);
@@ -88,7 +94,9 @@ const std::vector<Command>& commands() {
          },
          [](Session& s, BenchDialogs& d, const std::string&) { Morrowindize(s, d); }},
         {"npc-list", open,
-         [](Session& s, BenchDialogs& d, const std::string&) { ExportNpcList(s, d, NpcListFormat::Html, false); }},
+         [](Session& s, BenchDialogs& d, const std::string&) {
+             ExportNpcList(s, d, NpcListFormat::Html, false);
+         }},
         {"quotes-xml", open, [](Session& s, BenchDialogs& d, const std::string&) { ExportQuotesXml(s, d); }},
         {"quotes-kst", open, [](Session& s, BenchDialogs& d, const std::string&) { ExportQuotesKst(s, d); }},
     };
@@ -96,7 +104,8 @@ const std::vector<Command>& commands() {
 }
 
 std::string scratchBase() {
-    return (std::filesystem::temp_directory_path() / ("quillon-bench-" + std::to_string(::getpid()))).string();
+    return (std::filesystem::temp_directory_path() / ("quillon-bench-" + std::to_string(::getpid())))
+        .string();
 }
 
 double timeOnce(const Command& c, const std::string& file) {
@@ -129,7 +138,8 @@ int run(const char* self, const std::string& file, int runs) {
     double readMs = 0;
     for (const Command& c : commands()) {
         std::vector<double> times;
-        for (int i = 0; i < runs; ++i) times.push_back(timeOnce(c, file));
+        for (int i = 0; i < runs; ++i)
+            times.push_back(timeOnce(c, file));
         std::sort(times.begin(), times.end());
         double median = times[times.size() / 2];
         if (std::strcmp(c.name, "read") == 0) readMs = median;
@@ -137,7 +147,8 @@ int run(const char* self, const std::string& file, int runs) {
                     readMs > 0 ? median / readMs : 0.0, peakMegabytes(self, c, file));
         std::fflush(stdout);
     }
-    for (const char* ext : {".esm", ".txt", ".out"}) std::filesystem::remove(scratchBase() + ext);
+    for (const char* ext : {".esm", ".txt", ".out"})
+        std::filesystem::remove(scratchBase() + ext);
     return 0;
 }
 
@@ -159,7 +170,8 @@ int main(int argc, char** argv) {
     if (args.size() == 3 && args[0] == "one") {
         for (const Command& c : commands())
             if (args[1] == c.name) timeOnce(c, args[2]);
-        for (const char* ext : {".esm", ".txt", ".out"}) std::filesystem::remove(scratchBase() + ext);
+        for (const char* ext : {".esm", ".txt", ".out"})
+            std::filesystem::remove(scratchBase() + ext);
         return 0;
     }
     std::fprintf(stderr, "usage: quillon_bench generate OUT.esm [--scale S] | run FILE [--runs N]\n");

@@ -24,29 +24,33 @@ QCheckBox* box(const char* name, const char* caption, const char* tip, bool valu
 FrmOptions::FrmOptions(CleanupSettings& s, QWidget* parent) : QDialog(parent), settings_(s) {
     setWindowTitle(QStringLiteral("Quillon Options"));
     chkLines = box("chkLines", "Remove Line Breaks", "Replace line breaks with spaces.", s.isLineBreaks);
-    chkAmerican = box("chkAmerican", "Use American Spelling",
-                      "Replace British spelling with American for consistency with original Morrowind.", s.isAmerican);
+    chkAmerican =
+        box("chkAmerican", "Use American Spelling",
+            "Replace British spelling with American for consistency with original Morrowind.", s.isAmerican);
     // "Capiotalize" is the tool tip's own spelling.
     chkCap = box("chkCap", "Capitalize New Sentences", "Capiotalize the first letter in every new sentence.",
                  s.isSentences);
-    chkQuotes = box("chkQuotes", "Fix Quotes Spaces",
-                    "Remove spaces after the beginning quote and before the finishing quote. This function is still "
-                    "a BETA.",
-                    s.isSpaceQuotes);
-    chkSlang = box("chkSlang", "Remove Slang", "Replace slang and swearing with words closer to morrowind style.",
-                   s.isSlang);
-    chkTemple = box("chkTemple", "Capitalize \"Temple\"",
-                    "Capitalize the word \"Temple\", as is done in Morrowind.ESM. Should be avoided for example when "
-                    "someone in your dialogue is referring to a non-dunmer temple.",
-                    s.isTemple);
-    chkDash = box("chkDash", "Force Single Dashes", "Replace double dashes(m-dashes) with single ones(n-dashes).",
-                  s.isDashes);
-    chkEllipsis = box("chkEllipsis", "Capitalize After Ellipsis", "Capitalize the first letter after an ellipsis.",
-                      s.isEllipsis);
-    chkSquare = box("chkSquare", "Force Square Brackets",
-                    "Replace \"()\" and \"{}\" with \"[]\", for consistency with original Morrowind.", s.isSquare);
-    chkDashSpacing = box("chkDashSpacing", "Force Spaced Dashes", "Wrap dashes(not hyphens) with spaces.",
-                         s.isDashSpaces);
+    chkQuotes =
+        box("chkQuotes", "Fix Quotes Spaces",
+            "Remove spaces after the beginning quote and before the finishing quote. This function is still "
+            "a BETA.",
+            s.isSpaceQuotes);
+    chkSlang = box("chkSlang", "Remove Slang",
+                   "Replace slang and swearing with words closer to morrowind style.", s.isSlang);
+    chkTemple =
+        box("chkTemple", "Capitalize \"Temple\"",
+            "Capitalize the word \"Temple\", as is done in Morrowind.ESM. Should be avoided for example when "
+            "someone in your dialogue is referring to a non-dunmer temple.",
+            s.isTemple);
+    chkDash = box("chkDash", "Force Single Dashes",
+                  "Replace double dashes(m-dashes) with single ones(n-dashes).", s.isDashes);
+    chkEllipsis = box("chkEllipsis", "Capitalize After Ellipsis",
+                      "Capitalize the first letter after an ellipsis.", s.isEllipsis);
+    chkSquare =
+        box("chkSquare", "Force Square Brackets",
+            "Replace \"()\" and \"{}\" with \"[]\", for consistency with original Morrowind.", s.isSquare);
+    chkDashSpacing =
+        box("chkDashSpacing", "Force Spaced Dashes", "Wrap dashes(not hyphens) with spaces.", s.isDashSpaces);
     cmdOptOk = new QPushButton(QStringLiteral("OK"));
     cmdOptOk->setObjectName("cmdOptOk");
     cmdOptOk->setToolTip(QStringLiteral("Accept changes."));

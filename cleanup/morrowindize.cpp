@@ -19,10 +19,9 @@ void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToA
         std::string text = cleanResponse(original, session.settings, quoteParity);
         // The question says 511 while the test is for more than 512: both numbers are intended.
         if (text.size() > kMaxResponse) {
-            Answer a =
-                noToAll ? Answer::No
-                        : dialogs.ask({QuestionId::CleanedTooLong, r.INAM}, kTooLongQuestion, Buttons::YesNoCancel,
-                                      Icon::Question, "Clean Up");
+            Answer a = noToAll ? Answer::No
+                               : dialogs.ask({QuestionId::CleanedTooLong, r.INAM}, kTooLongQuestion,
+                                             Buttons::YesNoCancel, Icon::Question, "Clean Up");
             if (a == Answer::Yes) {
                 text = dialogs.editResponse(r.ONAM, r.DialogueType == 4 ? "Journal Entry" : r.Topic, text);
                 dialogs.refreshLog();

@@ -38,7 +38,9 @@ public:
         while (all(search, replacement)) {
         }
     }
-    bool contains(std::string_view search) const { return mayHold(search) && containsIgnoreCase(text_, search); }
+    bool contains(std::string_view search) const {
+        return mayHold(search) && containsIgnoreCase(text_, search);
+    }
     // Bytes that a change made through str() may have added.
     void noteAdded(std::string_view added) { note(added); }
 
@@ -47,7 +49,8 @@ private:
         return !search.empty() && present_.test(foldCase(static_cast<unsigned char>(search[0])));
     }
     void note(std::string_view added) {
-        for (char c : added) present_.set(foldCase(static_cast<unsigned char>(c)));
+        for (char c : added)
+            present_.set(foldCase(static_cast<unsigned char>(c)));
     }
     std::string& text_;
     std::bitset<256> present_;
@@ -104,8 +107,10 @@ void dashes(Text& t, const CleanupSettings& s) {
 }
 
 void punctuationSpacing(Text& t) {
-    for (const char* mark : {".", ",", "?", "!", ";", ":"}) t.all(mark, std::string(mark) + " ");
-    for (const char* mark : {",", ".", ";", ":", "!", "?"}) t.all(std::string(" ") + mark, mark);
+    for (const char* mark : {".", ",", "?", "!", ";", ":"})
+        t.all(mark, std::string(mark) + " ");
+    for (const char* mark : {",", ".", ";", ":", "!", "?"})
+        t.all(std::string(" ") + mark, mark);
     trimBlanksInPlace(t.str());
 }
 
@@ -141,10 +146,13 @@ void quoteSpacing(Text& t, bool& parity) {
 
 void spacingCleanUp(Text& t) {
     t.repeat("  ", " ");
-    for (const char* mark : {".", ",", "?", "!", ":"}) t.all(std::string("\" ") + mark, std::string("\"") + mark);
+    for (const char* mark : {".", ",", "?", "!", ":"})
+        t.all(std::string("\" ") + mark, std::string("\"") + mark);
 }
 
-bool isLowerAscii(char c) { return c >= 'a' && c <= 'z'; }
+bool isLowerAscii(char c) {
+    return c >= 'a' && c <= 'z';
+}
 
 // Raises the first character and every a-z after ". ", "? " and "! ". An ellipsis shields the
 // letter after it unless isEllipsis is set. This one pass gives what a pass per letter of the
@@ -159,7 +167,8 @@ void capitaliseSentences(std::string& text, bool isEllipsis) {
     if (isLowerAscii(text[0]) && !shielded[0]) text[0] = char(text[0] - 32);
     for (std::size_t i = 0; i + 2 < text.size(); ++i) {
         char mark = text[i];
-        if ((mark == '.' || mark == '?' || mark == '!') && !shielded[i] && text[i + 1] == ' ' && isLowerAscii(text[i + 2]))
+        if ((mark == '.' || mark == '?' || mark == '!') && !shielded[i] && text[i + 1] == ' ' &&
+            isLowerAscii(text[i + 2]))
             text[i + 2] = char(text[i + 2] - 32);
     }
 }
@@ -172,7 +181,8 @@ using RunSet = std::bitset<kFilterBits>;
 
 std::uint16_t runKey(std::string_view s, std::size_t at, std::size_t length) {
     std::size_t h = 0;
-    for (std::size_t i = 0; i < length; ++i) h = h * 131 + foldCase(static_cast<unsigned char>(s[at + i]));
+    for (std::size_t i = 0; i < length; ++i)
+        h = h * 131 + foldCase(static_cast<unsigned char>(s[at + i]));
     return std::uint16_t((h * 2654435761u >> 7) & (kFilterBits - 1));
 }
 

@@ -8,45 +8,19 @@ namespace quillon {
 namespace {
 
 constexpr WordRow kAmerican[] = {
-    {"apologise", "apologize"},
-    {"Apologise", "Apologize"},
-    {"realise", "realize"},
-    {"Realise", "Realize"},
-    {"specialise", "specialize"},
-    {"Specialise", "Specialize"},
-    {"paralise", "paralyze"},
-    {"Paralise", "Paralyze"},
-    {"paralyse", "paralyze"},
-    {"Paralyse", "Paralyze"},
-    {"recieve", "receive"},
-    {"Recieve", "Receive"},
-    {"neighbour", "neighbor"},
-    {"Neighbour", "Neighbor"},
-    {"Armour", "Armor"},
-    {"armour", "armor"},
-    {"Colour", "Color"},
-    {"colour", "color"},
-    {"honour", "honor"},
-    {"Honour", "Honor"},
-    {"rumour", "rumor"},
-    {"Rumour", "Rumor"},
-    {"favour", "favor"},
-    {"Favour", "Favor"},
-    {"defence", "defense"},
-    {"Defence", "Defense"},
-    {"behaviour", "behavior"},
-    {"Behaviour", "Behavior"},
-    {"bahavior", "behavior"},
-    {"bahavior", "Behavior"},
-    {"bahaviour", "behavior"},
-    {"Bahaviour", "Behavior"},
-    {"traveller", "traveler"},
-    {"Traveller", "Traveler"},
-    {"travelled", "traveled"},
-    {"Travelled", "Traveled"},
-    {"travelling", "traveling"},
-    {"Travelling", "Traveling"},
-    {"judgement", "judgment"},
+    {"apologise", "apologize"},  {"Apologise", "Apologize"},   {"realise", "realize"},
+    {"Realise", "Realize"},      {"specialise", "specialize"}, {"Specialise", "Specialize"},
+    {"paralise", "paralyze"},    {"Paralise", "Paralyze"},     {"paralyse", "paralyze"},
+    {"Paralyse", "Paralyze"},    {"recieve", "receive"},       {"Recieve", "Receive"},
+    {"neighbour", "neighbor"},   {"Neighbour", "Neighbor"},    {"Armour", "Armor"},
+    {"armour", "armor"},         {"Colour", "Color"},          {"colour", "color"},
+    {"honour", "honor"},         {"Honour", "Honor"},          {"rumour", "rumor"},
+    {"Rumour", "Rumor"},         {"favour", "favor"},          {"Favour", "Favor"},
+    {"defence", "defense"},      {"Defence", "Defense"},       {"behaviour", "behavior"},
+    {"Behaviour", "Behavior"},   {"bahavior", "behavior"},     {"bahavior", "Behavior"},
+    {"bahaviour", "behavior"},   {"Bahaviour", "Behavior"},    {"traveller", "traveler"},
+    {"Traveller", "Traveler"},   {"travelled", "traveled"},    {"Travelled", "Traveled"},
+    {"travelling", "traveling"}, {"Travelling", "Traveling"},  {"judgement", "judgment"},
     {"Judgement", "Judgment"},
 };
 
@@ -501,8 +475,14 @@ constexpr WordRow kSlang[] = {
 
 } // namespace
 
-std::span<const WordRow> americanSpelling() { return kAmerican; }
-std::span<const WordRow> properNames() { return kProperNames; }
-std::span<const WordRow> slang() { return kSlang; }
+std::span<const WordRow> americanSpelling() {
+    return kAmerican;
+}
+std::span<const WordRow> properNames() {
+    return kProperNames;
+}
+std::span<const WordRow> slang() {
+    return kSlang;
+}
 
 } // namespace quillon

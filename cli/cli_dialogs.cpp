@@ -33,10 +33,9 @@ Answer CliDialogs::unknownRecord(const std::string& text) {
     case Unknown::YesToAll: return Answer::Cancel;
     case Unknown::Default:
         *err << "quillon: warning: " << forTerminal(text)
-                  << "\nquillon: keeping it and every further record of unknown type (choose with --unknown=)\n";
+             << "\nquillon: keeping it and every further record of unknown type (choose with --unknown=)\n";
         return Answer::Cancel;
-    case Unknown::Ask:
-        break;
+    case Unknown::Ask: break;
     }
     *err << forTerminal(text) << "\n[y]es, [n]o, [a]ll? ";
     std::string reply;
@@ -46,33 +45,38 @@ Answer CliDialogs::unknownRecord(const std::string& text) {
     return Answer::Yes;
 }
 
-void CliDialogs::tell(const std::string& text, Icon) { *err << "quillon: " << forTerminal(text) << "\n"; }
+void CliDialogs::tell(const std::string& text, Icon) {
+    *err << "quillon: " << forTerminal(text) << "\n";
+}
 
 Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons, Icon, const std::string&) {
     if (what.id == QuestionId::UnknownRecord) return unknownRecord(text);
     if (what.id == QuestionId::WriteSavegame) {
         if (yes) return Answer::Yes;
         if (no) return Answer::No;
-        throw CliError("the target is a savegame; writing one is likely to give an unusable file (add --yes to "
-                       "write it all the same, or --no to leave it)");
+        throw CliError(
+            "the target is a savegame; writing one is likely to give an unusable file (add --yes to "
+            "write it all the same, or --no to leave it)");
     }
     if (answer) return answer(what);
     throw CliError("no answer on the command line to: " + forTerminal(text));
 }
 
 DamageChoice CliDialogs::damagedOutput(const DamageReport& report) {
-    const char* verdict = onDamage == DamageChoice::Repair     ? "repairing them"
+    const char* verdict = onDamage == DamageChoice::Repair      ? "repairing them"
                           : onDamage == DamageChoice::WriteAsIs ? "writing them as they are (--force)"
                                                                 : "nothing has been written";
     *err << "quillon: " << report.records.size() << " record(s) of \"" << forTerminal(report.file)
          << "\" would be written damaged; " << verdict << ":\n";
-    for (const DamagedRecord& record : report.records) *err << "  " << forTerminal(describeDamage(record)) << "\n";
+    for (const DamagedRecord& record : report.records)
+        *err << "  " << forTerminal(describeDamage(record)) << "\n";
     if (onDamage == DamageChoice::Repair && !report.repairable) {
         *err << "quillon: a repair would not give a file that reads back whole; nothing has been written\n";
         return DamageChoice::WriteNothing;
     }
     if (onDamage == DamageChoice::WriteNothing)
-        *err << "quillon: add --repair to write them so that the file reads back whole, or --force to write them "
+        *err << "quillon: add --repair to write them so that the file reads back whole, or --force to write "
+                "them "
                 "as the format's rules give them\n";
     return onDamage;
 }
@@ -83,10 +87,15 @@ std::string CliDialogs::input(const Question& what, const std::string& prompt, c
     throw CliError("no answer on the command line to: " + forTerminal(prompt));
 }
 
-std::string CliDialogs::openFile(const FileRequest&) { return std::exchange(openPath, {}); }
-std::string CliDialogs::saveFile(const FileRequest&) { return std::exchange(savePath, {}); }
+std::string CliDialogs::openFile(const FileRequest&) {
+    return std::exchange(openPath, {});
+}
+std::string CliDialogs::saveFile(const FileRequest&) {
+    return std::exchange(savePath, {});
+}
 
-std::string CliDialogs::editResponse(const std::string& actor, const std::string& topic, const std::string& text) {
+std::string CliDialogs::editResponse(const std::string& actor, const std::string& topic,
+                                     const std::string& text) {
     if (edit) return edit(actor, topic, text);
     throw CliError("a response needs editing by hand, which the command line cannot do");
 }

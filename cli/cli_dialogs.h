@@ -18,17 +18,18 @@ class CliDialogs : public Dialogs {
 public:
     enum class Unknown { Ask, Yes, No, YesToAll, Default };
     Unknown unknown = Unknown::Default;
-    bool yes = false;          // answers the savegame question with Yes
-    bool no = false;           // answers it with No
+    bool yes = false; // answers the savegame question with Yes
+    bool no = false;  // answers it with No
     // What to do with output that would be damaged: --repair, --force, or write nothing.
     DamageChoice onDamage = DamageChoice::WriteNothing;
     std::ostream* err = &std::cerr; // where messages and warnings go
-    std::string openPath;      // the answer to the next open dialog
-    std::string savePath;      // the answer to the next save dialog
+    std::string openPath;           // the answer to the next open dialog
+    std::string savePath;           // the answer to the next save dialog
     // Answers to a command's own questions; unset questions stop the command with a CliError.
     std::function<Answer(const Question& what)> answer;
     std::function<std::string(const Question& what)> inputAnswer;
-    std::function<std::string(const std::string& actor, const std::string& topic, const std::string& text)> edit;
+    std::function<std::string(const std::string& actor, const std::string& topic, const std::string& text)>
+        edit;
     std::function<LoopFix(const std::string& actor, const std::string& topic, const std::string& text,
                           const std::string& result, std::int32_t choice)>
         loopFix;
@@ -40,7 +41,8 @@ public:
                       const std::string& defaultText) override;
     std::string openFile(const FileRequest& request) override;
     std::string saveFile(const FileRequest& request) override;
-    std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override;
+    std::string editResponse(const std::string& actor, const std::string& topic,
+                             const std::string& text) override;
     LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings&) override {}

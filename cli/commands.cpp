@@ -1,12 +1,12 @@
 #include "cli/commands.h"
 
 #include "app/file_commands.h"
-#include "cli/arguments.h"
 #include "cleanup/morrowindize.h"
 #include "cleanup/text_rules.h"
+#include "cli/arguments.h"
 #include "cli/cli_dialogs.h"
-#include "npclist/npc_list.h"
 #include "dialogue/dialogue_commands.h"
+#include "npclist/npc_list.h"
 
 #include <functional>
 #include <iostream>
@@ -68,7 +68,9 @@ struct Context {
 };
 
 // A failure exits with 1; a command that declined did what the answers given asked for.
-int exitStatus(const Outcome& outcome) { return outcome.isFailed() ? 1 : 0; }
+int exitStatus(const Outcome& outcome) {
+    return outcome.isFailed() ? 1 : 0;
+}
 
 using Handler = std::function<int(Context&)>;
 
@@ -89,7 +91,9 @@ int countsCommand(Context& c) {
 }
 
 // Opens FILE; false when it was not read whole.
-bool openInput(Context& c) { return openPath(c.session, c.dialogs, c.args.positional[0]).isDone(); }
+bool openInput(Context& c) {
+    return openPath(c.session, c.dialogs, c.args.positional[0]).isDone();
+}
 
 int saveCommand(Context& c) {
     if (!openInput(c)) return 1;
@@ -137,8 +141,8 @@ int loopsCommand(Context& c) {
             parsedScript = &result;
             parsedChoice = choice;
         }
-        c.out << forTerminal("actor \"" + actor + "\", topic \"" + topic + "\", choice " + std::to_string(choice) +
-                             ": " + (lines.empty() ? std::string() : lines.front()))
+        c.out << forTerminal("actor \"" + actor + "\", topic \"" + topic + "\", choice " +
+                             std::to_string(choice) + ": " + (lines.empty() ? std::string() : lines.front()))
               << '\n';
         return LoopFix{2, text, result};
     };
@@ -164,12 +168,13 @@ int quotesCommand(Context& c) {
         return typed;
     };
     c.dialogs.savePath = c.args.value("-o");
-    return exitStatus(format == "xml" ? ExportQuotesXml(c.session, c.dialogs) : ExportQuotesKst(c.session, c.dialogs));
+    return exitStatus(format == "xml" ? ExportQuotesXml(c.session, c.dialogs)
+                                      : ExportQuotesKst(c.session, c.dialogs));
 }
 
-const std::set<std::string> kCleanupOptions = {"--line-breaks", "--american", "--sentences", "--space-quotes",
-                                               "--slang",       "--temple",   "--dashes",    "--ellipsis",
-                                               "--square",      "--dash-spaces", "--all",    "--help"};
+const std::set<std::string> kCleanupOptions = {
+    "--line-breaks", "--american", "--sentences", "--space-quotes", "--slang", "--temple",
+    "--dashes",      "--ellipsis", "--square",    "--dash-spaces",  "--all",   "--help"};
 
 std::set<std::string> kCleanupOptionsWith(std::set<std::string> more) {
     more.insert(kCleanupOptions.begin(), kCleanupOptions.end());
@@ -200,8 +205,9 @@ int morrowindizeCommand(Context& c) {
     // command line learns whose response it was.
     c.dialogs.answer = [](const Question&) { return Answer::Yes; };
     c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
-        c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" + topic +
-                             "\": cleaned it would be " + std::to_string(text.size()) + " characters long")
+        c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" +
+                             topic + "\": cleaned it would be " + std::to_string(text.size()) +
+                             " characters long")
               << '\n';
         return text;
     };
@@ -223,8 +229,10 @@ int morrowindizeTextCommand(Context& c) {
 int npcListCommand(Context& c) {
     std::string name = c.args.value("--format", "text");
     NpcListFormat format = NpcListFormat::PlainText;
-    if (name == "phpbb") format = NpcListFormat::PhpBB;
-    else if (name == "html") format = NpcListFormat::Html;
+    if (name == "phpbb")
+        format = NpcListFormat::PhpBB;
+    else if (name == "html")
+        format = NpcListFormat::Html;
     else if (name != "text") {
         c.err << "quillon npc-list: --format takes text, phpbb or html\n";
         return 2;
@@ -248,14 +256,31 @@ const std::vector<Command>& commands() {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
         {"save", 1, kWriteOptions, {"--unknown", "-o"}, saveCommand},
         {"export-dialogue", 1, {"--help"}, {"--unknown", "-o"}, exportCommand, {"-o"}},
-        {"import-dialogue", 2, withWriteOptions({"--remove-line-breaks"}), {"--unknown", "-o", "--long"},
-         importCommand, {"-o"}},
+        {"import-dialogue",
+         2,
+         withWriteOptions({"--remove-line-breaks"}),
+         {"--unknown", "-o", "--long"},
+         importCommand,
+         {"-o"}},
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
-        {"morrowindize", 1, kCleanupOptionsWith(kWriteOptions), {"--unknown", "-o"}, morrowindizeCommand, {"-o"}},
+        {"morrowindize",
+         1,
+         kCleanupOptionsWith(kWriteOptions),
+         {"--unknown", "-o"},
+         morrowindizeCommand,
+         {"-o"}},
         {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
-        {"npc-list", 1, {"--help", "--no-clones"}, {"--unknown", "--cell", "--format", "-o"}, npcListCommand,
+        {"npc-list",
+         1,
+         {"--help", "--no-clones"},
+         {"--unknown", "--cell", "--format", "-o"},
+         npcListCommand,
          {"--cell", "-o"}},
-        {"quotes", 1, {"--help", "--ask-names"}, {"--unknown", "--city", "--format", "-o"}, quotesCommand,
+        {"quotes",
+         1,
+         {"--help", "--ask-names"},
+         {"--unknown", "--city", "--format", "-o"},
+         quotesCommand,
          {"--city", "--format", "-o"}},
     };
     return list;
@@ -263,11 +288,16 @@ const std::vector<Command>& commands() {
 
 bool setUnknownMode(CliDialogs& dialogs, const std::string& mode) {
     if (mode.empty()) return true;
-    if (mode == "ask") dialogs.unknown = CliDialogs::Unknown::Ask;
-    else if (mode == "yes") dialogs.unknown = CliDialogs::Unknown::Yes;
-    else if (mode == "no") dialogs.unknown = CliDialogs::Unknown::No;
-    else if (mode == "yes-to-all") dialogs.unknown = CliDialogs::Unknown::YesToAll;
-    else return false;
+    if (mode == "ask")
+        dialogs.unknown = CliDialogs::Unknown::Ask;
+    else if (mode == "yes")
+        dialogs.unknown = CliDialogs::Unknown::Yes;
+    else if (mode == "no")
+        dialogs.unknown = CliDialogs::Unknown::No;
+    else if (mode == "yes-to-all")
+        dialogs.unknown = CliDialogs::Unknown::YesToAll;
+    else
+        return false;
     return true;
 }
 
@@ -302,8 +332,10 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             err << "quillon: --unknown takes ask, yes, no or yes-to-all\n";
             return 2;
         }
-        if ((parsed.has("--yes") && parsed.has("--no")) || (parsed.has("--repair") && parsed.has("--force"))) {
-            err << "quillon " << command.name << ": --yes and --no, or --repair and --force, exclude each other\n";
+        if ((parsed.has("--yes") && parsed.has("--no")) ||
+            (parsed.has("--repair") && parsed.has("--force"))) {
+            err << "quillon " << command.name
+                << ": --yes and --no, or --repair and --force, exclude each other\n";
             return 2;
         }
         c.dialogs.yes = parsed.has("--yes");
@@ -318,7 +350,8 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             err << "quillon: " << forTerminal(e.what()) << "\n";
             return 1;
         } catch (const std::bad_alloc&) {
-            std::string file = parsed.positional.empty() ? std::string() : " on \"" + parsed.positional[0] + "\"";
+            std::string file =
+                parsed.positional.empty() ? std::string() : " on \"" + parsed.positional[0] + "\"";
             err << "quillon: Not enough memory for " << command.name << forTerminal(file) << ".\n";
             return 1;
         }

@@ -12,7 +12,8 @@ const char* const kTextFilter = "Text files (*.txt)|*.txt| All Files (*.*)| *.*"
 std::string dialogueText(const std::vector<InfoRecord>& infos) {
     std::string out;
     std::size_t size = 0;
-    for (const InfoRecord& r : infos) size += r.INAM.size() + r.Topic.size() + r.ONAM.size() + r.NAME.size() + 28;
+    for (const InfoRecord& r : infos)
+        size += r.INAM.size() + r.Topic.size() + r.ONAM.size() + r.NAME.size() + 28;
     out.reserve(size);
     for (std::size_t i = 0; i < infos.size(); ++i) {
         if (i > 0) out += "\r\n\r\n";

@@ -20,8 +20,10 @@ struct Speaker {
 class ActorIndex {
 public:
     explicit ActorIndex(const RecordStore& store) {
-        for (std::size_t i = 0; i < store.NPC_.size(); ++i) npcs_.emplace(foldedKey(store.NPC_[i].NAME), i);
-        for (std::size_t i = 0; i < store.CREA.size(); ++i) creatures_.emplace(foldedKey(store.CREA[i].NAME), i);
+        for (std::size_t i = 0; i < store.NPC_.size(); ++i)
+            npcs_.emplace(foldedKey(store.NPC_[i].NAME), i);
+        for (std::size_t i = 0; i < store.CREA.size(); ++i)
+            creatures_.emplace(foldedKey(store.CREA[i].NAME), i);
     }
     // The NPC's name, race, class and faction; a creature of that ID then sets the name only.
     Speaker find(const RecordStore& store, const std::string& actor) const {
@@ -87,12 +89,14 @@ private:
 // text of many placeholders and long names would otherwise grow a thousandfold before the cut.
 std::string fillPlaceholdersUpTo(std::string_view text, const Speaker& s, std::size_t limit) {
     std::size_t at = 0;
-    Replacing cls([&] { return at < text.size() ? static_cast<unsigned char>(text[at++]) : -1; }, "%class", s.cls);
+    Replacing cls([&] { return at < text.size() ? static_cast<unsigned char>(text[at++]) : -1; }, "%class",
+                  s.cls);
     Replacing race([&] { return cls.next(); }, "%race", s.race);
     Replacing faction([&] { return race.next(); }, "%Faction", s.faction);
     Replacing name([&] { return faction.next(); }, "%Name", s.name);
     std::string out;
-    for (int c; out.size() < limit && (c = name.next()) >= 0;) out += char(c);
+    for (int c; out.size() < limit && (c = name.next()) >= 0;)
+        out += char(c);
     return out;
 }
 
@@ -123,7 +127,7 @@ void drainIfLarge(SafeFileWriter& file, std::string& out) {
 // Writes the rest of the export, puts the file in place and logs the outcome; the count is of all
 // responses.
 Outcome finish(Session& session, Dialogs& dialogs, const std::string& path, SafeFileWriter& file,
-            const std::string& rest) {
+               const std::string& rest) {
     file.write(rest);
     std::string error = file.commit();
     if (!error.empty()) {
@@ -161,8 +165,8 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
         if (r.ONAM.empty()) continue;
         Speaker s = actors.find(session.store, r.ONAM);
         std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
-        out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" + city +
-               "</city></quote>";
+        out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" +
+               city + "</city></quote>";
         drainIfLarge(file, out);
     }
     out += "</quotes>";
@@ -170,7 +174,8 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
 }
 
 Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
-    std::string path = askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
+    std::string path =
+        askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
     if (path.empty()) return Outcome::declined("no file was chosen");
     std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
     if (hasNoResponses(session)) {
@@ -181,12 +186,15 @@ Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
     SafeFileWriter file(path);
     std::string out;
     for (const InfoRecord& r : session.store.INFO) {
-        if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank")) continue;
+        if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank"))
+            continue;
         Speaker s = actors.find(session.store, r.ONAM);
         // A name holding "_" is offered for retyping, the typed text replacing it; when that leaves
         // no name, the actor ID stands in and is offered the same way.
         auto retyped = [&](const std::string& name) {
-            return name.find('_') != std::string::npos ? dialogs.input({QuestionId::SpeakerName, name}, name, "", "") : name;
+            return name.find('_') != std::string::npos
+                       ? dialogs.input({QuestionId::SpeakerName, name}, name, "", "")
+                       : name;
         };
         std::string speaker = s.name.empty() ? std::string() : retyped(s.name);
         if (speaker.empty()) speaker = retyped(trimBlanks(properCase(r.ONAM)));

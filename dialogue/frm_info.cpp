@@ -19,8 +19,9 @@ FrmInfo::FrmInfo(const std::string& actor, const std::string& topic, const std::
     txtINFO->setObjectName("txtINFO");
     lblTopic = new QLabel(QStringLiteral("Topic: ") + fromCodePage(topic));
     lblTopic->setObjectName("lblTopic");
-    lblActor = new QLabel(actor == "Journal Entry" ? QStringLiteral("Journal Entry")
-                                                   : QStringLiteral("Actor: ") + fromCodePage(properCase(actor)));
+    lblActor =
+        new QLabel(actor == "Journal Entry" ? QStringLiteral("Journal Entry")
+                                            : QStringLiteral("Actor: ") + fromCodePage(properCase(actor)));
     lblActor->setObjectName("lblActor");
     lblLength = new QLabel;
     lblLength->setObjectName("lblLength");

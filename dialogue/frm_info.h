@@ -13,7 +13,8 @@ namespace quillon {
 class FrmInfo : public QDialog {
     Q_OBJECT
 public:
-    FrmInfo(const std::string& actor, const std::string& topic, const std::string& text, QWidget* parent = nullptr);
+    FrmInfo(const std::string& actor, const std::string& topic, const std::string& text,
+            QWidget* parent = nullptr);
     // The accepted text, or the text given when the dialog was cancelled.
     const std::string& text() const { return text_; }
 

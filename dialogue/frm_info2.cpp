@@ -46,7 +46,8 @@ FrmInfo2::FrmInfo2(const std::string& actor, const std::string& topic, const std
     labels->addWidget(lblChoice);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    for (QPushButton* b : {cmdAccept, cmdSkip, cmdCancel}) buttons->addWidget(b);
+    for (QPushButton* b : {cmdAccept, cmdSkip, cmdCancel})
+        buttons->addWidget(b);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(labels);
     layout->addWidget(new QLabel(QStringLiteral("Response:")));

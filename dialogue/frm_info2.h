@@ -15,8 +15,8 @@ namespace quillon {
 class FrmInfo2 : public QDialog {
     Q_OBJECT
 public:
-    FrmInfo2(const std::string& actor, const std::string& topic, const std::string& text, const std::string& result,
-             std::int32_t choice, QWidget* parent = nullptr);
+    FrmInfo2(const std::string& actor, const std::string& topic, const std::string& text,
+             const std::string& result, std::int32_t choice, QWidget* parent = nullptr);
     int status() const { return status_; }
     const std::string& text() const { return text_; }
     const std::string& result() const { return result_; }

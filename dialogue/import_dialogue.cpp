@@ -1,5 +1,5 @@
-#include "dialogue/dialogue_commands.h"
 #include "app/text.h"
+#include "dialogue/dialogue_commands.h"
 #include "records/es_read.h"
 
 #include <algorithm>
@@ -60,7 +60,8 @@ public:
         // A file that still holds lines after the last response starts a second pass, which
         // then reports the mismatch.
         while (!in_.atEnd()) {
-            for (current_ = 0; current_ < infos.size(); ++current_) importOne(infos[current_], current_ + 1 == infos.size());
+            for (current_ = 0; current_ < infos.size(); ++current_)
+                importOne(infos[current_], current_ + 1 == infos.size());
         }
     }
     std::size_t current() const { return current_; }
@@ -80,7 +81,8 @@ private:
         line(); // topic
         line(); // actor
         std::string text = line();
-        while (text.empty() || text.back() != '"') text += separator_ + line();
+        while (text.empty() || text.back() != '"')
+            text += separator_ + line();
         text = collapseDoubledQuotes(unquote(text));
         if (text.size() > kMaxResponse) text = fitLongText(r, text);
         adjustSizes(r, text);
@@ -99,12 +101,15 @@ private:
 
     std::string fitLongText(const InfoRecord& r, std::string text) {
         if (!noToAll_) {
-            Answer a = d_.ask({QuestionId::LongResponse, r.INAM}, "The response \"" + r.INAM +
-                                      "\" is bigger than 512 characters. Do you want to edit it by hand? Otherwise "
-                                      "it will be trimmed to fit.\r\n\r\nCancel is \"No to all\"",
-                                  Buttons::YesNoCancel, Icon::Information, "Quillon Warning");
+            Answer a =
+                d_.ask({QuestionId::LongResponse, r.INAM},
+                       "The response \"" + r.INAM +
+                           "\" is bigger than 512 characters. Do you want to edit it by hand? Otherwise "
+                           "it will be trimmed to fit.\r\n\r\nCancel is \"No to all\"",
+                       Buttons::YesNoCancel, Icon::Information, "Quillon Warning");
             if (a == Answer::Cancel) noToAll_ = true;
-            if (a == Answer::Yes) text = d_.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, text);
+            if (a == Answer::Yes)
+                text = d_.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, text);
         }
         if (text.size() > kMaxResponse) text.resize(kMaxResponse);
         return text;
@@ -153,18 +158,20 @@ Outcome ImportDialogue(Session& session, Dialogs& dialogs) {
 }
 
 Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path) {
-    bool removeLineBreaks =
-        dialogs.ask({QuestionId::RemoveLineBreaks}, "Do you want to remove line breaks?", Buttons::YesNo, Icon::None,
-                    "") == Answer::Yes;
+    bool removeLineBreaks = dialogs.ask({QuestionId::RemoveLineBreaks}, "Do you want to remove line breaks?",
+                                        Buttons::YesNo, Icon::None, "") == Answer::Yes;
     std::string error;
     std::string bytes = loadFile(path, error);
-    if (!error.empty()) return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
+    if (!error.empty())
+        return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
     return importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks);
 }
 
 Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks) {
     if (session.store.INFO.empty())
-        return reportImportError(session, dialogs, "\"" + bareName(session.currentPath) + "\" holds no dialogue responses to import into.");
+        return reportImportError(session, dialogs,
+                                 "\"" + bareName(session.currentPath) +
+                                     "\" holds no dialogue responses to import into.");
     Import import(session, dialogs, removeLineBreaks, std::move(bytes));
     try {
         import.run();
@@ -174,9 +181,10 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
         char offset[32];
         std::snprintf(offset, sizeof offset, "%zX", import.pos() + 1);
         return reportImportError(session, dialogs,
-                                 "The file has been edited incorrectly. Current offset: 0x" + std::string(offset) +
-                              ". Required ID: " + session.store.INFO[import.current()].INAM +
-                              ". Found ID: " + readableExcerpt(import.foundId()));
+                                 "The file has been edited incorrectly. Current offset: 0x" +
+                                     std::string(offset) +
+                                     ". Required ID: " + session.store.INFO[import.current()].INAM +
+                                     ". Found ID: " + readableExcerpt(import.foundId()));
     }
 }
 

@@ -23,10 +23,11 @@ std::string bytesOf(const std::uint8_t* data, std::size_t size) {
 // A store of three responses with the IDs 1, 2 and 3.
 const std::string& fixedPlugin() {
     using namespace quillon::build;
-    static const std::string bytes = file(4, {Rec("DIAL").z("NAME", "Topic").sub("DATA", std::string(1, '\0')).bytes(),
-                                              Rec("INFO").z("INAM", "1").z("ONAM", "a").text("NAME", "One").bytes(),
-                                              Rec("INFO").z("INAM", "2").text("NAME", "Two\r\nlines").bytes(),
-                                              Rec("INFO").z("INAM", "3").z("ONAM", "c").text("NAME", "").bytes()});
+    static const std::string bytes =
+        file(4, {Rec("DIAL").z("NAME", "Topic").sub("DATA", std::string(1, '\0')).bytes(),
+                 Rec("INFO").z("INAM", "1").z("ONAM", "a").text("NAME", "One").bytes(),
+                 Rec("INFO").z("INAM", "2").text("NAME", "Two\r\nlines").bytes(),
+                 Rec("INFO").z("INAM", "3").z("ONAM", "c").text("NAME", "").bytes()});
     return bytes;
 }
 
@@ -59,7 +60,8 @@ void cleanup(const std::uint8_t* data, std::size_t size) {
     CleanupSettings s;
     bool* flags[] = {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang,
                      &s.isTemple,     &s.isDashes,   &s.isEllipsis,  &s.isSquare,      &s.isDashSpaces};
-    for (int i = 0; i < 10; ++i) *flags[i] = (bits >> i) & 1;
+    for (int i = 0; i < 10; ++i)
+        *flags[i] = (bits >> i) & 1;
     bool parity = (bits >> 10) & 1;
     std::string text = bytesOf(data + 2, size - 2);
     // Responses separated by NUL bytes, so that the quote parity carries between them.

@@ -39,7 +39,8 @@ std::vector<std::string> values(const Entry& e) {
 class Sheet {
 public:
     // With a drain, the sheet is handed on in chunks as it grows rather than kept whole.
-    Sheet(NpcListFormat format, const std::string& answer, SafeFileWriter* drain) : format_(format), drain_(drain) {
+    Sheet(NpcListFormat format, const std::string& answer, SafeFileWriter* drain)
+        : format_(format), drain_(drain) {
         header(answer);
     }
 
@@ -175,7 +176,8 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
     for (std::size_t i = 0; i < store.NPC_.size(); ++i)
         npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
     FactionIndex factions;
-    for (const FactRecord& f : store.FACT) factions.emplace(foldedKey(f.NAME), &f);
+    for (const FactRecord& f : store.FACT)
+        factions.emplace(foldedKey(f.NAME), &f);
 
     // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
     Sheet sheet(format, answer, drain);
@@ -223,8 +225,8 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     std::error_code ec;
     if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ec)))
         std::filesystem::remove(path, ec);
-    std::string answer =
-        dialogs.input({QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
+    std::string answer = dialogs.input(
+        {QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
     if (answer.empty()) return Outcome::declined("no cell name was given");
     std::string dataName = bareName(session.currentPath);
     session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
@@ -233,7 +235,8 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     auto fail = [&](FailureKind kind) {
         dialogs.tell(numberedErrorMessage(kind), Icon::None);
         session.log.LogLine("-An error occured during NPC listing. The list may be incomplete.");
-        return Outcome::failed(kind == FailureKind::OutOfMemory ? "not enough memory" : "the list could not be written");
+        return Outcome::failed(kind == FailureKind::OutOfMemory ? "not enough memory"
+                                                                : "the list could not be written");
     };
     int count = 0;
     SafeFileWriter file(path);

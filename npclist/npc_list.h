@@ -18,8 +18,8 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
 
 // The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
 // With a drain, all but the returned tail has been written to it.
-std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones, const std::string& answer,
-                         int& count, SafeFileWriter* drain = nullptr);
+std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
+                         const std::string& answer, int& count, SafeFileWriter* drain = nullptr);
 
 // True for the generic NPCs that the clones filter leaves out, by display name.
 bool isClone(const std::string& name);

@@ -21,7 +21,8 @@ char16_t decode(unsigned char b) {
 QString fromCodePage(const std::string& bytes) {
     QString out;
     out.reserve(qsizetype(bytes.size()));
-    for (char c : bytes) out.append(QChar(decode(static_cast<unsigned char>(c))));
+    for (char c : bytes)
+        out.append(QChar(decode(static_cast<unsigned char>(c))));
     return out;
 }
 

@@ -107,7 +107,8 @@ private:
         else if constexpr (sizeof f[0] == 1)
             raw(f.data(), sizeof f); // bytes or text: all of them, or zeros past the end
         else
-            for (auto& e : f) field(e); // numbers: each one that is there is read
+            for (auto& e : f)
+                field(e); // numbers: each one that is there is read
     }
 
     const std::uint8_t* data_;

@@ -5,8 +5,8 @@
 #include <array>
 #include <cctype>
 #include <chrono>
-#include <cstring>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -27,7 +27,7 @@ void reserveArrays(RecordStore& store, const std::string& bytes) {
 #define QUILLON_INDEX(T, ...) k##T,
         QUILLON_RECORD_TYPES(QUILLON_INDEX)
 #undef QUILLON_INDEX
-        kTypes
+            kTypes
     };
     std::array<std::size_t, kTypes> counts{};
     for (std::size_t p = 0; p + 16 <= bytes.size();) {
@@ -37,7 +37,7 @@ void reserveArrays(RecordStore& store, const std::string& bytes) {
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
         switch (t) {
-#define QUILLON_COUNT(T, ...)                                                                                          \
+#define QUILLON_COUNT(T, ...)                                                                                \
     case tag(#T): ++counts[k##T]; break;
             QUILLON_RECORD_TYPES(QUILLON_COUNT)
 #undef QUILLON_COUNT
@@ -51,7 +51,8 @@ void reserveArrays(RecordStore& store, const std::string& bytes) {
 }
 
 // Reads one record into a fresh element and appends it to its array.
-template <class R, class Reader> void append(std::vector<R>& array, ByteCursor& in, RecordStore& store, Reader read) {
+template <class R, class Reader>
+void append(std::vector<R>& array, ByteCursor& in, RecordStore& store, Reader read) {
     R scratch;
     read(in, scratch, store);
     array.push_back(std::move(scratch));
@@ -67,7 +68,8 @@ std::string unknownRecordQuestion(std::size_t offset, Tag t) {
 bool hasDataFileName(const std::string& path) {
     std::string last3 = path.size() > 3 ? path.substr(path.size() - 3) : path;
     std::string first2 = last3.substr(0, 2);
-    for (char& c : first2) c = char(std::toupper(static_cast<unsigned char>(c)));
+    for (char& c : first2)
+        c = char(std::toupper(static_cast<unsigned char>(c)));
     return first2 == "ES";
 }
 
@@ -144,15 +146,15 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
     while (!in.failed() && in.remaining() > 4) {
         Tag t = in.peekTag();
         switch (t) {
-#define QUILLON_DISPATCH(T, Record, read, ...)                                                                        \
+#define QUILLON_DISPATCH(T, Record, read, ...)                                                               \
     case tag(#T): append(store.T, in, store, read); break;
             QUILLON_RECORD_TYPES(QUILLON_DISPATCH)
 #undef QUILLON_DISPATCH
         default:
             if (!store.SkipUnknownPrompt) {
                 Clock::time_point asked = Clock::now();
-                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)}, unknownRecordQuestion(in.pos(), t),
-                                          true);
+                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)},
+                                          unknownRecordQuestion(in.pos(), t), true);
                 // Only the last question's time is taken off the result: replaced, not added.
                 pauseMs = msSince(asked);
                 if (reply == Reply::No) {

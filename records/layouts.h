@@ -24,7 +24,9 @@ inline constexpr auto spell = [](auto& e, auto&& f) { f(e.Spell); };
 // Only the lower two bytes of an actor's flag word are kept.
 inline constexpr auto actorFlags = [](auto& a, auto&& f) { f(a.FLAG, Padding<2>{}); };
 inline constexpr auto aiData = [](auto& a, auto&& f) { f(a.AIDT, a.AIDTFlags); };
-inline constexpr auto wander = [](auto& p, auto&& f) { f(p.Distance, p.Duration, p.TimeOfDay, p.Idles, p.Reset); };
+inline constexpr auto wander = [](auto& p, auto&& f) {
+    f(p.Distance, p.Duration, p.TimeOfDay, p.Idles, p.Reset);
+};
 inline constexpr auto travel = [](auto& p, auto&& f) { f(p.X, p.Y, p.Z, p.Reset); };
 inline constexpr auto activate = [](auto& p, auto&& f) { f(p.Target, p.Reset); };
 // The follow and the escort package.
@@ -44,6 +46,8 @@ inline constexpr auto scriptHeader = [](auto& r, auto&& f) {
     f(r.ScriptName, r.NumShorts, r.NumLongs, r.NumFloats, r.ScriptDataSize, r.LocalVarSize);
 };
 inline constexpr auto weatherSound = [](auto& s, auto&& f) { f(s.Sound, s.Chance); };
-inline constexpr auto bookData = [](auto& r, auto&& f) { f(r.Weight, r.Value, r.Scroll, r.Skill, r.EnchantPoints); };
+inline constexpr auto bookData = [](auto& r, auto&& f) {
+    f(r.Weight, r.Value, r.Scroll, r.Skill, r.EnchantPoints);
+};
 
 } // namespace quillon::layout

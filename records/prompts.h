@@ -10,7 +10,7 @@ enum class Reply { Ok, Yes, No, Cancel };
 // A record that would reach the file damaged: its bytes would not frame as its size words say.
 struct DamagedRecord {
     std::string tag;
-    std::string id;          // NAME, INAM, INDX or the script name; empty when it has none
+    std::string id;           // NAME, INAM, INDX or the script name; empty when it has none
     std::uint32_t offset = 0; // where it was read
     std::string cause;
 };

@@ -6,14 +6,31 @@ namespace {
 
 bool isSaveGameSub(Tag t) {
     switch (t) {
-    case tag("LVCR"): case tag("ACDT"): case tag("ACSC"): case tag("ACSL"): case tag("CREC"):
-    case tag("SCRI"): case tag("SLCS"): case tag("CRED"): case tag("SLSD"): case tag("SLFD"):
-    case tag("CHRD"): case tag("STPR"): case tag("ACTN"): case tag("MNAM"): case tag("ANIS"):
-    case tag("LSTN"): case tag("ND3D"): case tag("CSTN"): case tag("TGTN"): case tag("CSHN"):
-    case tag("FGTN"): case tag("LSHN"): case tag("AADT"): case tag("WNAM"):
-        return true;
-    default:
-        return false;
+    case tag("LVCR"):
+    case tag("ACDT"):
+    case tag("ACSC"):
+    case tag("ACSL"):
+    case tag("CREC"):
+    case tag("SCRI"):
+    case tag("SLCS"):
+    case tag("CRED"):
+    case tag("SLSD"):
+    case tag("SLFD"):
+    case tag("CHRD"):
+    case tag("STPR"):
+    case tag("ACTN"):
+    case tag("MNAM"):
+    case tag("ANIS"):
+    case tag("LSTN"):
+    case tag("ND3D"):
+    case tag("CSTN"):
+    case tag("TGTN"):
+    case tag("CSHN"):
+    case tag("FGTN"):
+    case tag("LSHN"):
+    case tag("AADT"):
+    case tag("WNAM"): return true;
+    default: return false;
     }
 }
 
@@ -111,9 +128,7 @@ void readCell(ByteCursor& in, CellRecord& r, RecordStore&) {
             in.skip(in.i32());
             return true;
         case tag("NAM8"): readU(in, r.NAM8Size, r.NAM8); return true;
-        case tag("DELE"):
-            r.Deleted = 1;
-            return readDele(in, r);
+        case tag("DELE"): r.Deleted = 1; return readDele(in, r);
         case tag("FRMR"): readReference(in, newReference()); return true;
         case tag("MVRF"): readMovedReference(in, newReference()); return true;
         default: return false;

@@ -61,15 +61,23 @@ inline bool readDele(ByteCursor& in, RecordHeader& r) {
 // A run of one repeated sub-record. Every run is kept, in file order: a file the game writes has
 // one run per list, and a later run (which the editors can leave) is appended rather than
 // overwriting the first, so that nothing its record's Size counts is lost.
-template <class Entry, class ReadEntry> bool readRun(ByteCursor& in, std::vector<Entry>& list, ReadEntry&& readEntry) {
+template <class Entry, class ReadEntry>
+bool readRun(ByteCursor& in, std::vector<Entry>& list, ReadEntry&& readEntry) {
     Tag run = in.peekTag();
-    while (in.nextIs(run)) readEntry(list.emplace_back());
+    while (in.nextIs(run))
+        readEntry(list.emplace_back());
     return true;
 }
 // NPCO and NPCS, shared by actors, containers, races and birthsigns.
-inline void readInventoryItem(ByteCursor& in, InventoryItem& e) { readFields(in, e.NPCOSize, e, layout::inventoryItem); }
-inline void readSpell(ByteCursor& in, SpellEntry& e) { readFields(in, e.NPCSSize, e, layout::spell); }
-inline void readEffect(ByteCursor& in, Effect& e) { readV(in, e.ENAMSize, e.ENAM); }
+inline void readInventoryItem(ByteCursor& in, InventoryItem& e) {
+    readFields(in, e.NPCOSize, e, layout::inventoryItem);
+}
+inline void readSpell(ByteCursor& in, SpellEntry& e) {
+    readFields(in, e.NPCSSize, e, layout::spell);
+}
+inline void readEffect(ByteCursor& in, Effect& e) {
+    readV(in, e.ENAMSize, e.ENAM);
+}
 
 // NAME, MODL, FNAM, SCRI and ITEX, shared by most object records; false for any other tag.
 inline bool readObjectText(ByteCursor& in, Tag t, ObjectTexts& o) {

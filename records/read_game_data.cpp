@@ -161,7 +161,8 @@ void splitVariableNames(ScptRecord& r, const std::string& data) {
     std::size_t i = 0;
     auto take = [&](std::vector<std::string>& list, i32 count) {
         list.clear();
-        for (i32 k = 0; k < count && i < names.size(); ++k) list.push_back(names[i++]);
+        for (i32 k = 0; k < count && i < names.size(); ++k)
+            list.push_back(names[i++]);
     };
     take(r.ShortNames, r.NumShorts);
     take(r.LongNames, r.NumLongs);

@@ -59,9 +59,11 @@ struct BodyParts {
 };
 
 // ARMO and CLOT.
-template <class R, class Data> void readWearable(ByteCursor& in, R& r, Tag dataTag, i32& dataSize, Data& data) {
+template <class R, class Data>
+void readWearable(ByteCursor& in, R& r, Tag dataTag, i32& dataSize, Data& data) {
     BodyParts parts{r.Parts, {}};
-    readItem(in, r, dataTag, dataSize, data, [&](Tag t) { return readEnchantment(in, t, r) || parts.read(in, t); });
+    readItem(in, r, dataTag, dataSize, data,
+             [&](Tag t) { return readEnchantment(in, t, r) || parts.read(in, t); });
 }
 
 // LEVI and LEVC; entryTag is INAM for items, CNAM for creatures, each with its level after it.
@@ -172,8 +174,12 @@ void readLigh(ByteCursor& in, LighRecord& r, RecordStore&) {
     });
 }
 
-void readArmo(ByteCursor& in, ArmoRecord& r, RecordStore&) { readWearable(in, r, tag("AODT"), r.AODTSize, r.AODT); }
-void readClot(ByteCursor& in, ClotRecord& r, RecordStore&) { readWearable(in, r, tag("CTDT"), r.CTDTSize, r.CTDT); }
+void readArmo(ByteCursor& in, ArmoRecord& r, RecordStore&) {
+    readWearable(in, r, tag("AODT"), r.AODTSize, r.AODT);
+}
+void readClot(ByteCursor& in, ClotRecord& r, RecordStore&) {
+    readWearable(in, r, tag("CTDT"), r.CTDTSize, r.CTDT);
+}
 void readRepa(ByteCursor& in, RepaRecord& r, RecordStore&) {
     readItem(in, r, tag("RIDT"), r.DataSize, r.Data, nothingMore);
 }
@@ -233,7 +239,11 @@ void readAlch(ByteCursor& in, AlchRecord& r, RecordStore&) {
     });
 }
 
-void readLevi(ByteCursor& in, LeviRecord& r, RecordStore&) { readLeveled(in, r, tag("INAM")); }
-void readLevc(ByteCursor& in, LevcRecord& r, RecordStore&) { readLeveled(in, r, tag("CNAM")); }
+void readLevi(ByteCursor& in, LeviRecord& r, RecordStore&) {
+    readLeveled(in, r, tag("INAM"));
+}
+void readLevc(ByteCursor& in, LevcRecord& r, RecordStore&) {
+    readLeveled(in, r, tag("CNAM"));
+}
 
 } // namespace quillon

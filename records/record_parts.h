@@ -22,16 +22,10 @@ template <std::size_t N> using Fixed = std::array<char, N>;
 // The text of a fixed field up to its first NUL.
 template <std::size_t N> std::string fixedText(const Fixed<N>& f) {
     std::size_t n = 0;
-    while (n < N && f[n] != '\0') ++n;
+    while (n < N && f[n] != '\0')
+        ++n;
     return std::string(f.data(), n);
 }
-// A fixed field holding s, cut or padded with NULs to its width.
-template <std::size_t N> Fixed<N> toFixed(const std::string& s) {
-    Fixed<N> f{};
-    for (std::size_t i = 0; i < N && i < s.size(); ++i) f[i] = s[i];
-    return f;
-}
-
 // Bytes a data block carries but the record does not keep: passed over when read, written as
 // zeros.
 template <std::size_t N> struct Padding {};
@@ -119,6 +113,8 @@ struct ObjectTexts {
 
 // True when the low byte of a record's flags marks it deleted. The threshold is decimal 20 on
 // purpose: every low byte from 20 upwards counts, the 0x20 bit included.
-inline bool isDeleted(const RecordHeader& r) { return (r.Flags & 0xFF) >= 20 || r.Dele; }
+inline bool isDeleted(const RecordHeader& r) {
+    return (r.Flags & 0xFF) >= 20 || r.Dele;
+}
 
 } // namespace quillon

@@ -12,6 +12,8 @@ void ClearRecords(RecordStore& store) {
     store.source.reset();
 }
 
-void TrimRecords(RecordStore& store) { store.CurrentTopic.clear(); }
+void TrimRecords(RecordStore& store) {
+    store.CurrentTopic.clear();
+}
 
 } // namespace quillon

@@ -35,12 +35,14 @@ public:
 
     std::vector<Question> asked; // what each question and input box asked, in order
     void tell(const std::string& text, Icon) override { messages.push_back(text); }
-    Answer ask(const Question& what, const std::string& text, Buttons, Icon, const std::string& title) override {
+    Answer ask(const Question& what, const std::string& text, Buttons, Icon,
+               const std::string& title) override {
         asked.push_back(what);
         messages.push_back(title.empty() ? text : title + "|" + text);
         return pop(answers, Answer::No);
     }
-    std::string input(const Question& what, const std::string& prompt, const std::string&, const std::string&) override {
+    std::string input(const Question& what, const std::string& prompt, const std::string&,
+                      const std::string&) override {
         asked.push_back(what);
         prompts.push_back(prompt);
         return pop(inputs, std::string());
@@ -53,7 +55,8 @@ public:
         fileRequests.push_back(r);
         return pop(savePaths, std::string());
     }
-    std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override {
+    std::string editResponse(const std::string& actor, const std::string& topic,
+                             const std::string& text) override {
         editRequests.push_back(actor + "|" + topic);
         return pop(edits, text);
     }
@@ -123,7 +126,8 @@ inline std::string response(const std::string& id, const std::string& actor, con
 // A plugin of one topic "T" with these responses.
 inline std::string oneTopic(std::initializer_list<std::string> responses) {
     std::string bytes = file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()});
-    for (const std::string& r : responses) bytes += r;
+    for (const std::string& r : responses)
+        bytes += r;
     return bytes;
 }
 
@@ -178,7 +182,9 @@ inline std::string corpusDir() {
     const char* set = std::getenv("QUILLON_CORPUS");
     return set && *set ? set : QUILLON_CORPUS;
 }
-inline bool haveCorpus() { return std::filesystem::is_directory(corpusDir()); }
+inline bool haveCorpus() {
+    return std::filesystem::is_directory(corpusDir());
+}
 inline std::vector<std::string> corpusFiles() {
     std::vector<std::string> files;
     if (!haveCorpus()) return files;
@@ -189,8 +195,8 @@ inline std::vector<std::string> corpusFiles() {
     std::sort(files.begin(), files.end());
     return files;
 }
-#define QUILLON_NEED_CORPUS()                                                                              \
-    if (!quillon::test::haveCorpus()) GTEST_SKIP() << "the corpus folder " << quillon::test::corpusDir()    \
-                                                   << " is missing"
+#define QUILLON_NEED_CORPUS()                                                                                \
+    if (!quillon::test::haveCorpus())                                                                        \
+    GTEST_SKIP() << "the corpus folder " << quillon::test::corpusDir() << " is missing"
 
 } // namespace quillon::test

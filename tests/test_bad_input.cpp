@@ -20,7 +20,12 @@ namespace {
 
 std::string plugin() {
     return file(2, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
-                    Rec("INFO").z("INAM", "1").sub("DATA", std::string(12, '\0')).z("ONAM", "a").text("NAME", "Hello").bytes()});
+                    Rec("INFO")
+                        .z("INAM", "1")
+                        .sub("DATA", std::string(12, '\0'))
+                        .z("ONAM", "a")
+                        .text("NAME", "Hello")
+                        .bytes()});
 }
 
 } // namespace
@@ -32,8 +37,10 @@ TEST(BadInput, DataFilesThatCannotBeRead) {
         std::string path, log, message;
     };
     for (const Case& c : std::vector<Case>{
-             {dir.file("missing.esp"), "-Failed reading \"missing.esp\".", "Cannot read \"missing.esp\": the file does not exist."},
-             {dir.file("folder.esp"), "-Failed reading \"folder.esp\".", "Cannot read \"folder.esp\": it is a folder, not a file."},
+             {dir.file("missing.esp"), "-Failed reading \"missing.esp\".",
+              "Cannot read \"missing.esp\": the file does not exist."},
+             {dir.file("folder.esp"), "-Failed reading \"folder.esp\".",
+              "Cannot read \"folder.esp\": it is a folder, not a file."},
              {dir.write("x.txt", plugin()), "-Failed reading \"x.txt\".", "The selected file is invalid."},
              {dir.write("empty.esp", ""), "-Warning: \"empty.esp\" holds no records.", ""},
              {dir.write("text.esp", "This is not a data file at all.\n"),
@@ -57,11 +64,12 @@ TEST(BadInput, DialogueTextFilesThatDoNotMatch) {
         const char* foundId;
     };
     std::string good = "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\"\r\n";
-    for (const Case& c : std::vector<Case>{{"fewer lines", "\"1\"\r\n\"T\"\r\n", "1"},
-                                           {"more lines", good + "\r\n\r\n\"2\"\r\n", "1"},
-                                           {"no closing quote", "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\r\nthere\r\n", "1"},
-                                           {"no quotes at all", "1\r\nT\r\na\r\nHi\r\n", ""},
-                                           {"a file with a byte-order mark", "\xEF\xBB\xBF" + good, "\xBB\xBF\"1"}}) {
+    for (const Case& c :
+         std::vector<Case>{{"fewer lines", "\"1\"\r\n\"T\"\r\n", "1"},
+                           {"more lines", good + "\r\n\r\n\"2\"\r\n", "1"},
+                           {"no closing quote", "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\r\nthere\r\n", "1"},
+                           {"no quotes at all", "1\r\nT\r\na\r\nHi\r\n", ""},
+                           {"a file with a byte-order mark", "\xEF\xBB\xBF" + good, "\xBB\xBF\"1"}}) {
         Session s;
         ScriptedDialogs d;
         openPath(s, d, dir.write("p.esp", plugin()));
@@ -122,8 +130,9 @@ TEST(BadInput, AFileChangedSinceItWasOpened) {
     dir.write("p.esp", plugin() + "changed by another program");
     d.answers = {Answer::No};
     EXPECT_FALSE(Save(s, d).isDone());
-    EXPECT_EQ(d.messages.back(), "\"p.esp\" has been changed on disk since it was opened. Overwrite it with the "
-                                 "records open here?");
+    EXPECT_EQ(d.messages.back(),
+              "\"p.esp\" has been changed on disk since it was opened. Overwrite it with the "
+              "records open here?");
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     EXPECT_EQ(readAll(path), plugin() + "changed by another program");
     d.answers = {Answer::Yes};
@@ -153,12 +162,14 @@ TEST(BadInput, SpecialFilesAreRefusedWithoutBlocking) {
         Session s;
         ScriptedDialogs d;
         EXPECT_TRUE(openPath(s, d, dir.file(name)).isFailed()) << name;
-        EXPECT_EQ(d.messages.back(), "Cannot read \"" + std::string(name) + "\": it is not an ordinary file.");
+        EXPECT_EQ(d.messages.back(),
+                  "Cannot read \"" + std::string(name) + "\": it is not an ordinary file.");
     }
     Session s;
     ScriptedDialogs d;
     openPath(s, d, dir.write("p.esp", plugin()));
-    EXPECT_FALSE(saveAsPath(s, d, dir.file("pipe.esp")).isDone()); // opening the pipe to create it would block
+    EXPECT_FALSE(
+        saveAsPath(s, d, dir.file("pipe.esp")).isDone()); // opening the pipe to create it would block
     EXPECT_EQ(lastLog(s), "-Nothing has been written.");
     EXPECT_TRUE(std::filesystem::is_fifo(dir.file("pipe.esp")));
 }

@@ -11,7 +11,8 @@ namespace {
 
 CleanupSettings with(std::initializer_list<bool CleanupSettings::*> on) {
     CleanupSettings s;
-    for (auto flag : on) s.*flag = true;
+    for (auto flag : on)
+        s.*flag = true;
     return s;
 }
 
@@ -33,14 +34,17 @@ struct Case {
 };
 
 void expectAll(const CleanupSettings& s, std::initializer_list<Case> cases) {
-    for (auto [in, out] : cases) EXPECT_EQ(clean(in, s), out) << in;
+    for (auto [in, out] : cases)
+        EXPECT_EQ(clean(in, s), out) << in;
 }
 
 // The rules read literally: every row and every letter pass over the whole text, one after the
 // other. The fast paths must give exactly the same bytes.
 namespace reference {
 
-void all(std::string& t, std::string_view s, std::string_view r) { replaceAllIgnoreCase(t, s, r); }
+void all(std::string& t, std::string_view s, std::string_view r) {
+    replaceAllIgnoreCase(t, s, r);
+}
 bool once(std::string& t, std::string_view s, std::string_view r) {
     std::size_t at = findIgnoreCase(t, s);
     if (at == std::string::npos) return false;
@@ -48,7 +52,8 @@ bool once(std::string& t, std::string_view s, std::string_view r) {
     return true;
 }
 void repeat(std::string& t, std::string_view s, std::string_view r) {
-    while (containsIgnoreCase(t, s)) all(t, s, r);
+    while (containsIgnoreCase(t, s))
+        all(t, s, r);
 }
 
 std::string clean(std::string t, const CleanupSettings& s, bool& parity) {
@@ -63,8 +68,10 @@ std::string clean(std::string t, const CleanupSettings& s, bool& parity) {
     } else if (s.isDashSpaces) {
         all(t, " --", " -- "), all(t, "-- ", " -- ");
     }
-    all(t, ".", ". "), all(t, ",", ", "), all(t, "?", "? "), all(t, "!", "! "), all(t, ";", "; "), all(t, ":", ": ");
-    all(t, " ,", ","), all(t, " .", "."), all(t, " ;", ";"), all(t, " :", ":"), all(t, " !", "!"), all(t, " ?", "?");
+    all(t, ".", ". "), all(t, ",", ", "), all(t, "?", "? "), all(t, "!", "! "), all(t, ";", "; "),
+        all(t, ":", ": ");
+    all(t, " ,", ","), all(t, " .", "."), all(t, " ;", ";"), all(t, " :", ":"), all(t, " !", "!"),
+        all(t, " ?", "?");
     t = trimBlanks(t);
     if (s.isSpaceQuotes) {
         all(t, "\"", " XXThisIsAQuoteXX ");
@@ -74,7 +81,8 @@ std::string clean(std::string t, const CleanupSettings& s, bool& parity) {
         }
     }
     repeat(t, "  ", " ");
-    all(t, "\" .", "\"."), all(t, "\" ,", "\","), all(t, "\" ?", "\"?"), all(t, "\" !", "\"!"), all(t, "\" :", "\":");
+    all(t, "\" .", "\"."), all(t, "\" ,", "\","), all(t, "\" ?", "\"?"), all(t, "\" !", "\"!"),
+        all(t, "\" :", "\":");
     auto table = [&](std::span<const WordRow> rows) {
         for (const WordRow& row : rows)
             if (!row.templeOnly || s.isTemple) all(t, row.search, row.replacement);
@@ -86,8 +94,10 @@ std::string clean(std::string t, const CleanupSettings& s, bool& parity) {
         for (char letter = 'a'; letter <= 'z'; ++letter) {
             std::string upper(1, char(letter - 32));
             if (!s.isEllipsis) all(t, "...", "XXThisIsAnEllipsisXX");
-            if (!t.empty() && t[0] >= 'a' && t[0] <= 'z') once(t, std::string(1, t[0]), std::string(1, char(t[0] - 32)));
-            for (const char* mark : {". ", "? ", "! "}) all(t, mark + std::string(1, letter), mark + upper);
+            if (!t.empty() && t[0] >= 'a' && t[0] <= 'z')
+                once(t, std::string(1, t[0]), std::string(1, char(t[0] - 32)));
+            for (const char* mark : {". ", "? ", "! "})
+                all(t, mark + std::string(1, letter), mark + upper);
             if (!s.isEllipsis) all(t, "XXThisIsAnEllipsisXX", "...");
         }
     }
@@ -109,7 +119,12 @@ TEST(TextRules, PunctuationAndCharacters) {
                    {"it\x92s `so` @#", "it's 'so'"},
                    {"\x93Hi\x94", "\"Hi\""},
                    {"a\tb & c", "a b and c"},
-                   {"a\x97" "b a\x96" "b a\x06" "b", "a-b a\x96" "b a-b"},
+                   {"a\x97"
+                    "b a\x96"
+                    "b a\x06"
+                    "b",
+                    "a-b a\x96"
+                    "b a-b"},
                    {"Morrowind.ESM", "Morrowind. ESM"},
                    {"(x) {y}", "(x) {y}"}});
     expectAll(with({&CleanupSettings::isSquare}), {{"(x) {y}", "[x] [y]"}});
@@ -136,9 +151,11 @@ TEST(TextRules, QuoteSpacingCarriesItsParity) {
 }
 
 TEST(TextRules, SentencesAndEllipsis) {
-    expectAll(with({&CleanupSettings::isSentences}),
-              {{"well... maybe. yes", "Well... maybe. Yes"}, {"why? no! ok", "Why? No! Ok"}, {"\xe9t\xe9. \xe9", "\xe9t\xe9. \xe9"}});
-    expectAll(with({&CleanupSettings::isSentences, &CleanupSettings::isEllipsis}), {{"well... maybe", "Well... Maybe"}});
+    expectAll(with({&CleanupSettings::isSentences}), {{"well... maybe. yes", "Well... maybe. Yes"},
+                                                      {"why? no! ok", "Why? No! Ok"},
+                                                      {"\xe9t\xe9. \xe9", "\xe9t\xe9. \xe9"}});
+    expectAll(with({&CleanupSettings::isSentences, &CleanupSettings::isEllipsis}),
+              {{"well... maybe", "Well... Maybe"}});
     expectAll(with({&CleanupSettings::isEllipsis}), {{"well... maybe", "well... maybe"}});
 }
 
@@ -170,17 +187,20 @@ TEST(WordTables, RowsAndOrder) {
 }
 
 TEST(TextRules, FastPathsAgreeWithTheLiteralRules) {
-    const char* pieces[] = {"vivec", "Armour", " gonna ", "...", "....", ". ", "? ", "!", ",", " ,", "\"", "\x93",
-                            "\x94", "\x85", "\x92", "--", " - ", "-", "&", "(", "}", "\r\n", "  ", "\t", "temple",
-                            "daedra", "zanib camp", "Gro - ", "well", "maybe", "yes", "a", "I", "fuc\a ", "IMO",
-                            "sea of ghosts", "balmora", "x", ";", ":", "\xe9", "dude", "khul ", " odai"};
+    const char* pieces[] = {
+        "vivec",   "Armour", " gonna ", "...",  "....", ". ",   "? ",     "!",      ",",
+        " ,",      "\"",     "\x93",    "\x94", "\x85", "\x92", "--",     " - ",    "-",
+        "&",       "(",      "}",       "\r\n", "  ",   "\t",   "temple", "daedra", "zanib camp",
+        "Gro - ",  "well",   "maybe",   "yes",  "a",    "I",    "fuc\a ", "IMO",    "sea of ghosts",
+        "balmora", "x",      ";",       ":",    "\xe9", "dude", "khul ",  " odai"};
     std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
         std::string text;
-        for (int n = random() % 25; n > 0; --n) text += pieces[random() % std::size(pieces)];
+        for (int n = random() % 25; n > 0; --n)
+            text += pieces[random() % std::size(pieces)];
         CleanupSettings s;
-        for (bool* flag : {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang, &s.isTemple,
-                           &s.isDashes, &s.isEllipsis, &s.isSquare, &s.isDashSpaces})
+        for (bool* flag : {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang,
+                           &s.isTemple, &s.isDashes, &s.isEllipsis, &s.isSquare, &s.isDashSpaces})
             *flag = random() % 2;
         bool fastParity = i % 3 == 0, plainParity = fastParity;
         ASSERT_EQ(cleanResponse(text, s, fastParity), reference::clean(text, s, plainParity)) << text;
@@ -201,15 +221,21 @@ TEST(CapitalizeSentencesOption, ClearsAndGreysEllipsis) {
 TEST(Morrowindize, LogsCountsAndLimits) {
     TempDir dir;
     auto info = [](const std::string& id, const std::string& text, std::int32_t type = 0) {
-        return Rec("INFO").z("INAM", id).sub("DATA", le32(type) + std::string(8, '\0')).z("ONAM", "npc").text("NAME", text).bytes();
+        return Rec("INFO")
+            .z("INAM", id)
+            .sub("DATA", le32(type) + std::string(8, '\0'))
+            .z("ONAM", "npc")
+            .text("NAME", text)
+            .bytes();
     };
     std::string exact = std::string(511, 'a') + ".";  // 512 after clean-up
     std::string over = std::string(509, 'b') + ".x."; // grows to 513
     Session s;
     ScriptedDialogs d;
-    openPath(s, d, dir.write("m.esp", file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
-                                                 info("1", "vivec"), info("2", "Hello ,you"), info("3", exact),
-                                                 info("4", over, 4), info("5", over), info("6", "Fine.")})));
+    openPath(s, d,
+             dir.write("m.esp", file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
+                                         info("1", "vivec"), info("2", "Hello ,you"), info("3", exact),
+                                         info("4", over, 4), info("5", over), info("6", "Fine.")})));
     InfoRecord second = s.store.INFO[1];
     d.answers = {Answer::Yes, Answer::Cancel};
     d.edits = {"edited"};
@@ -223,13 +249,16 @@ TEST(Morrowindize, LogsCountsAndLimits) {
     EXPECT_EQ(d.editRequests, std::vector<std::string>{"npc|Journal Entry"});
     EXPECT_EQ(s.store.INFO[4].NAME, over); // no question after Cancel
     EXPECT_EQ(d.messages.size(), 2u);
-    EXPECT_EQ(d.messages[0], "Clean Up|One of the responses has become more than 511 characters after clean up. "
-                             "Do you want to edit it by hand? Otherwise original text will be used.\r\n\r\nCancel "
-                             "is \"No to all\"");
-    EXPECT_NE(s.log.caption().find("-Morrowindizing 6 responses from \"m.esp\"...\r\n-2 responses from \"m.esp\" "
-                                   "have been Morrowindized successfully.\r\n"),
-              std::string::npos);
+    EXPECT_EQ(d.messages[0],
+              "Clean Up|One of the responses has become more than 511 characters after clean up. "
+              "Do you want to edit it by hand? Otherwise original text will be used.\r\n\r\nCancel "
+              "is \"No to all\"");
+    EXPECT_NE(
+        s.log.caption().find("-Morrowindizing 6 responses from \"m.esp\"...\r\n-2 responses from \"m.esp\" "
+                             "have been Morrowindized successfully.\r\n"),
+        std::string::npos);
 
     Morrowindize(s, d);
-    EXPECT_NE(s.log.caption().find("-All dialogues in \"m.esp\" are already Morrowindish."), std::string::npos);
+    EXPECT_NE(s.log.caption().find("-All dialogues in \"m.esp\" are already Morrowindish."),
+              std::string::npos);
 }

@@ -27,7 +27,8 @@ TEST(Cli, CountsPrintsEveryLabelInOrder) {
     CliRun r = cli({"counts", path});
     EXPECT_EQ(r.status, 0);
     EXPECT_EQ(r.out.substr(0, 9), "ACTI: 0\nA");
-    EXPECT_NE(r.out.find("\nSTAT: 1\nSSCR: 0\nTES3: 1\nUnknown: 0\nCNTC: 0\nTotal: 2\nWEAP: 0\n"), std::string::npos);
+    EXPECT_NE(r.out.find("\nSTAT: 1\nSSCR: 0\nTES3: 1\nUnknown: 0\nCNTC: 0\nTotal: 2\nWEAP: 0\n"),
+              std::string::npos);
     EXPECT_EQ(r.out.substr(r.out.size() - 8), "STLN: 0\n");
     EXPECT_NE(r.err.find("-Read 2 records from \"c.esp\" successfully in "), std::string::npos);
 }
@@ -67,19 +68,25 @@ TEST(Cli, EveryCommandOnTheSamplePlugin) {
     EXPECT_EQ(cli({"export-dialogue", sample, "-o", dir.file("d.txt")}).status, 0);
     CliRun long_ = cli({"import-dialogue", sample, dir.file("d.txt"), "-o", dir.file("i.esp")});
     EXPECT_EQ(long_.status, 1); // one response is over 512 characters
-    EXPECT_NE(long_.err.find("response \"32141306822751913985\" is longer than 512 characters"), std::string::npos);
+    EXPECT_NE(long_.err.find("response \"32141306822751913985\" is longer than 512 characters"),
+              std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(dir.file("i.esp")));
-    EXPECT_EQ(cli({"import-dialogue", sample, dir.file("d.txt"), "-o", dir.file("i.esp"), "--long=trim"}).status, 0);
+    EXPECT_EQ(
+        cli({"import-dialogue", sample, dir.file("d.txt"), "-o", dir.file("i.esp"), "--long=trim"}).status,
+        0);
 
     CliRun loops = cli({"loops", sample, "--fail-on-loop"});
     EXPECT_EQ(loops.status, 1);
-    EXPECT_EQ(loops.out, "actor \"ks_fenrick\", topic \"little secret\", choice 2: Choice \"Yes tell me again\" 2 "
-                         "\"No thank you\" 3\n");
+    EXPECT_EQ(loops.out,
+              "actor \"ks_fenrick\", topic \"little secret\", choice 2: Choice \"Yes tell me again\" 2 "
+              "\"No thank you\" 3\n");
     EXPECT_EQ(cli({"loops", sample}).status, 0);
 
-    EXPECT_EQ(cli({"quotes", sample, "--city", "Kestrel", "--format", "kst", "-o", dir.file("q.kst")}).status, 0);
+    EXPECT_EQ(cli({"quotes", sample, "--city", "Kestrel", "--format", "kst", "-o", dir.file("q.kst")}).status,
+              0);
     EXPECT_EQ(readAll(dir.file("q.kst")).size() % 576, 0u);
-    EXPECT_EQ(cli({"npc-list", sample, "--cell", "KESTREL", "--no-clones", "-o", dir.file("n.txt")}).status, 0);
+    EXPECT_EQ(cli({"npc-list", sample, "--cell", "KESTREL", "--no-clones", "-o", dir.file("n.txt")}).status,
+              0);
     EXPECT_EQ(readAll(dir.file("n.txt")).substr(readAll(dir.file("n.txt")).size() - 13), "Total NPCs: 3");
     CliRun cleaned = cli({"morrowindize", sample, "-o", dir.file("m.esp"), "--all"});
     EXPECT_EQ(cleaned.status, 0);
@@ -98,7 +105,8 @@ TEST(Cli, VersionAndACompletionForEveryCommand) {
     std::istringstream help(cli({"--help"}).out);
     int listed = 0;
     for (std::string line; std::getline(help, line);) {
-        if (line.size() < 3 || line.rfind("  ", 0) != 0 || !std::islower(static_cast<unsigned char>(line[2]))) continue;
+        if (line.size() < 3 || line.rfind("  ", 0) != 0 || !std::islower(static_cast<unsigned char>(line[2])))
+            continue;
         std::string name = line.substr(2, line.find(' ', 2) - 2);
         EXPECT_NE(commands.find(" " + name + " "), std::string::npos) << name;
         ++listed;

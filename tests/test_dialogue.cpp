@@ -31,9 +31,12 @@ struct Fixture {
     ScriptedDialogs dialogs;
 
     explicit Fixture(const std::vector<Response>& responses, std::vector<std::string> more = {}) {
-        std::string bytes = file(0, {Rec("DIAL").z("NAME", "Topic").sub("DATA", std::string(1, '\0')).bytes()});
-        for (const Response& r : responses) bytes += infoRecord(r);
-        for (const std::string& m : more) bytes += m;
+        std::string bytes =
+            file(0, {Rec("DIAL").z("NAME", "Topic").sub("DATA", std::string(1, '\0')).bytes()});
+        for (const Response& r : responses)
+            bytes += infoRecord(r);
+        for (const std::string& m : more)
+            bytes += m;
         openPath(session, dialogs, dir.write("d.esp", bytes));
     }
     std::string lastLog() const {
@@ -72,7 +75,9 @@ TEST(ExportDialogue, FourQuotedLinesPerResponse) {
 
 TEST(ImportDialogue, UnchangedExportSavesTheSameBytes) {
     // Lines end at CR LF only: a lone LF or CR stays inside its text.
-    Fixture f({{"1", "a", "One.\r\nTwo lines."}, {"2", "b", "\"Quoted\" text"}, {"3", "", ""},
+    Fixture f({{"1", "a", "One.\r\nTwo lines."},
+               {"2", "b", "\"Quoted\" text"},
+               {"3", "", ""},
                {"4", "c", "lone LF\nhere and lone CR\rthere"}});
     std::string text = f.exported();
     ScriptedPrompts prompts;
@@ -110,15 +115,17 @@ TEST(ImportDialogue, MismatchReportsTheOffsetBehindTheIdLine) {
     f.import(text, {Answer::No});
     char hex[16];
     std::snprintf(hex, sizeof hex, "%zX", third + 4 + 2 + 1);
-    EXPECT_EQ(f.dialogs.messages.back(), std::string("The file has been edited incorrectly. Current offset: 0x") + hex +
-                                             ". Required ID: 3. Found ID: 30");
+    EXPECT_EQ(f.dialogs.messages.back(),
+              std::string("The file has been edited incorrectly. Current offset: 0x") + hex +
+                  ". Required ID: 3. Found ID: 30");
     EXPECT_EQ(f.lastLog(), "-An error occured during dialogue importing.");
     EXPECT_EQ(f.session.store.INFO[0].NAME, "X"); // no rollback
 
     Fixture cased({{"abc", "a", "x"}});
     cased.import("\"ABC\"\r\n\"Topic\"\r\n\"a\"\r\n\"new\"\r\n", {Answer::No});
     EXPECT_EQ(cased.session.store.INFO[0].NAME, "new");
-    cased.import("\"ABC\"\r\n\"Topic\"\r\n\"a\"\r\n\"again\"\r\n\r\n", {Answer::No}); // more lines: a second pass
+    cased.import("\"ABC\"\r\n\"Topic\"\r\n\"a\"\r\n\"again\"\r\n\r\n",
+                 {Answer::No}); // more lines: a second pass
     EXPECT_EQ(cased.dialogs.messages.back().substr(0, 37), "The file has been edited incorrectly.");
 }
 
@@ -126,16 +133,19 @@ TEST(ImportDialogue, LongTextsAreEditedOrCut) {
     std::string longText(600, 'a');
     Fixture f({{"1", "fargoth", "x"}, {"2", "", "y", "", 4}, {"3", "", "z"}});
     std::string text = f.exported();
-    for (const char* short_ : {"\"x\"", "\"y\"", "\"z\""}) text.replace(text.find(short_), 3, "\"" + longText + "\"");
+    for (const char* short_ : {"\"x\"", "\"y\"", "\"z\""})
+        text.replace(text.find(short_), 3, "\"" + longText + "\"");
     f.dialogs.edits = {std::string(513, 'e')};
-    f.import(text, {Answer::No, Answer::No, Answer::Yes, Answer::Cancel}); // the first answers the line breaks
+    f.import(text,
+             {Answer::No, Answer::No, Answer::Yes, Answer::Cancel}); // the first answers the line breaks
     EXPECT_EQ(f.session.store.INFO[0].NAME, std::string(512, 'a'));
     EXPECT_EQ(f.dialogs.editRequests, std::vector<std::string>{"Journal Entry|Topic"});
     EXPECT_EQ(f.session.store.INFO[1].NAME, std::string(512, 'e')); // still too long after editing: cut
     EXPECT_EQ(f.session.store.INFO[2].NAME.size(), 512u);
-    EXPECT_EQ(f.dialogs.messages[1], "Quillon Warning|The response \"1\" is bigger than 512 characters. Do you want "
-                                     "to edit it by hand? Otherwise it will be trimmed to fit.\r\n\r\nCancel is "
-                                     "\"No to all\"");
+    EXPECT_EQ(f.dialogs.messages[1],
+              "Quillon Warning|The response \"1\" is bigger than 512 characters. Do you want "
+              "to edit it by hand? Otherwise it will be trimmed to fit.\r\n\r\nCancel is "
+              "\"No to all\"");
     std::size_t questions = f.dialogs.messages.size();
     f.import(text, {Answer::No, Answer::Cancel}); // after "No to all" no further question
     EXPECT_EQ(f.dialogs.messages.size(), questions + 2);
@@ -147,16 +157,16 @@ TEST(DetectLoops, ChoicePatterns) {
         std::int32_t choice;
         bool offers;
     };
-    for (auto [line, choice, offers] : std::initializer_list<Case>{
-             {"Choice \"Yes\" 1 \"No\" 2", 2, true},
-             {"Choice \"No\" 2 \"Yes\" 1", 2, true},
-             {"Choice \"Maybe\" 12", 2, false},
-             {"choice \"again\" 3", 3, true},
-             {"Choice, \"Again\", 3", 3, true},
-             {"Choice \"A\",3", 3, false},
-             {"Goodbye ; Choice \"Yes\" 2", 2, false},
-             {"  MessageBox  \"x\"\r\nChoice  \"Go\"  2", 2, true},
-             {"Choice   \"Go\" 2", 2, false}}) // one pass: three blanks become two
+    for (auto [line, choice, offers] :
+         std::initializer_list<Case>{{"Choice \"Yes\" 1 \"No\" 2", 2, true},
+                                     {"Choice \"No\" 2 \"Yes\" 1", 2, true},
+                                     {"Choice \"Maybe\" 12", 2, false},
+                                     {"choice \"again\" 3", 3, true},
+                                     {"Choice, \"Again\", 3", 3, true},
+                                     {"Choice \"A\",3", 3, false},
+                                     {"Goodbye ; Choice \"Yes\" 2", 2, false},
+                                     {"  MessageBox  \"x\"\r\nChoice  \"Go\"  2", 2, true},
+                                     {"Choice   \"Go\" 2", 2, false}}) // one pass: three blanks become two
         EXPECT_EQ(!linesOfferingChoice(line, choice).empty(), offers) << line;
 }
 
@@ -186,7 +196,12 @@ TEST(DetectLoops, FindingsFixesAndOutcomes) {
 }
 
 TEST(ExportQuotes, XmlAndKestrelFiles) {
-    std::string npc = Rec("NPC_").z("NAME", "Fargoth").z("FNAM", "Fargoth").z("RNAM", "Wood Elf").z("CNAM", "Thief").bytes();
+    std::string npc = Rec("NPC_")
+                          .z("NAME", "Fargoth")
+                          .z("FNAM", "Fargoth")
+                          .z("RNAM", "Wood Elf")
+                          .z("CNAM", "Thief")
+                          .bytes();
     std::string crab = Rec("CREA").z("NAME", "crab").z("FNAM", "Mud Crab").bytes();
     std::string odd = Rec("NPC_").z("NAME", "odd_id").z("FNAM", "odd_name").bytes();
     Fixture f({{"1", "fargoth", "Welcome, %Name the %RACE."},
@@ -199,12 +214,13 @@ TEST(ExportQuotes, XmlAndKestrelFiles) {
     f.dialogs.savePaths = {f.dir.file("q.xml")};
     f.dialogs.inputs = {"Seyda Neen"};
     ExportQuotesXml(f.session, f.dialogs);
-    EXPECT_EQ(readAll(f.dir.file("q.xml")),
-              "<quotes><quote><text>Welcome, Fargoth the Wood Elf.</text><npc>Fargoth</npc><city>Seyda Neen</city>"
-              "</quote><quote><text>I am Mud Crab, a  of .</text><npc>Mud Crab</npc><city>Seyda Neen</city></quote>"
-              "<quote><text>Hello %PC.</text><npc>Fargoth</npc><city>Seyda Neen</city></quote><quote><text>Odd."
-              "</text><npc>odd_name</npc><city>Seyda Neen</city></quote><quote><text>Who?</text><npc>Unknown_guy"
-              "</npc><city>Seyda Neen</city></quote></quotes>");
+    EXPECT_EQ(
+        readAll(f.dir.file("q.xml")),
+        "<quotes><quote><text>Welcome, Fargoth the Wood Elf.</text><npc>Fargoth</npc><city>Seyda Neen</city>"
+        "</quote><quote><text>I am Mud Crab, a  of .</text><npc>Mud Crab</npc><city>Seyda Neen</city></quote>"
+        "<quote><text>Hello %PC.</text><npc>Fargoth</npc><city>Seyda Neen</city></quote><quote><text>Odd."
+        "</text><npc>odd_name</npc><city>Seyda Neen</city></quote><quote><text>Who?</text><npc>Unknown_guy"
+        "</npc><city>Seyda Neen</city></quote></quotes>");
     EXPECT_EQ(f.lastLog(), "-Exported 6 responses from \"d.esp\" successfully.");
 
     f.dialogs.savePaths = {f.dir.file("q.kst")};
@@ -220,8 +236,9 @@ TEST(ExportQuotes, XmlAndKestrelFiles) {
     EXPECT_EQ(kst.substr(64, 512), fixed("Welcome, Fargoth the Wood Elf.", 512));
     EXPECT_EQ(kst.substr(2 * 576, 32), fixed("Odd Name", 32));
     // The prompts: the city, then each name holding "_", as the box's only text.
-    EXPECT_EQ(f.dialogs.prompts, (std::vector<std::string>{"Please, enter the name of the city to export from:",
-                                                            "odd_name", "Odd_id", "Unknown_guy"}));
+    EXPECT_EQ(f.dialogs.prompts,
+              (std::vector<std::string>{"Please, enter the name of the city to export from:", "odd_name",
+                                        "Odd_id", "Unknown_guy"}));
     EXPECT_EQ(kst.substr(3 * 576, 32), std::string(32, '\0'));
 }
 
@@ -252,7 +269,8 @@ TEST(ExportQuotes, KestrelTextIsTheFilledTextCutToItsField) {
                           .z("CNAM", "%name")
                           .bytes();
     std::string text;
-    for (int i = 0; i < 3000; ++i) text += i % 3 ? "%Name %nAmE " : "%class, %Faction; %%race ";
+    for (int i = 0; i < 3000; ++i)
+        text += i % 3 ? "%Name %nAmE " : "%class, %Faction; %%race ";
     Fixture f({{"1", "a", text}}, {npc});
     f.dialogs.savePaths = {f.dir.file("q.xml")};
     f.dialogs.inputs = {"Vivec"};
@@ -294,9 +312,9 @@ TEST(Corpus, ExportThenImportChangesNothing) {
 TEST(Commands, NameTheirQuestionsAndReportTheirOutcomes) {
     Fixture f({{"7", "fargoth", "Hi."}});
     f.dialogs.answers = {Answer::No, Answer::No};
-    Outcome imported = importDialogueFrom(f.session, f.dialogs,
-                                          f.dir.write("in.txt", "\"7\"\r\n\"Topic\"\r\n\"fargoth\"\r\n\"" +
-                                                                    std::string(600, 'x') + "\"\r\n"));
+    Outcome imported = importDialogueFrom(
+        f.session, f.dialogs,
+        f.dir.write("in.txt", "\"7\"\r\n\"Topic\"\r\n\"fargoth\"\r\n\"" + std::string(600, 'x') + "\"\r\n"));
     EXPECT_TRUE(imported.isDone());
     ASSERT_EQ(f.dialogs.asked.size(), 2u);
     EXPECT_EQ(f.dialogs.asked[0].id, QuestionId::RemoveLineBreaks);

@@ -34,7 +34,8 @@ TEST(Failures, CleanUpEndsWithItsLineAndKeepsWhatWasDone) {
     Session s;
     ExhaustedDialogs d;
     openPath(s, d,
-             dir.write("m.esp", oneTopic({response("1", "npc", "vivec ,here"), response("2", "npc", std::string(600, 'a') + ".x."),
+             dir.write("m.esp", oneTopic({response("1", "npc", "vivec ,here"),
+                                          response("2", "npc", std::string(600, 'a') + ".x."),
                                           response("3", "npc", "almsivi")})));
     d.answers = {Answer::Yes}; // edit the over-long one by hand: the editor fails
     Morrowindize(s, d);

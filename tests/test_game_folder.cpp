@@ -54,7 +54,8 @@ TEST(GameFolder, SearchOrder) {
 
     fs::path library = h.make("games/SteamLibrary/steamapps/common/Morrowind/Data Files");
     h.write(".steam/steam/steamapps/libraryfolders.vdf",
-            "\"libraryfolders\"\n{\n\t\"1\"\n\t{\n\t\t\"path\"\t\t\"" + h.home() + "/games/SteamLibrary\"\n\t}\n}\n");
+            "\"libraryfolders\"\n{\n\t\"1\"\n\t{\n\t\t\"path\"\t\t\"" + h.home() +
+                "/games/SteamLibrary\"\n\t}\n}\n");
     EXPECT_EQ(h.find(), library.string());
 
     h.make(".wine/drive_c/Games/Morrowind/Data Files");

@@ -11,10 +11,10 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QMessageBox>
-#include <QTimer>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <functional>
 
@@ -38,8 +38,9 @@ struct Window {
     QAction* action(const char* name) { return window.findChild<QAction*>(name); }
     void key(Qt::Key k, Qt::KeyboardModifiers m) { QTest::keyClick(find<QPushButton>("cmdExport"), k, m); }
     std::string open() {
-        std::string path = dir.write("w.esp", file(2, {Rec("STAT").z("NAME", "s").z("MODL", "m").bytes(),
-                                                       Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()}));
+        std::string path = dir.write(
+            "w.esp", file(2, {Rec("STAT").z("NAME", "s").z("MODL", "m").bytes(),
+                              Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()}));
         dialogs.openPaths = {path};
         key(Qt::Key_O, Qt::ControlModifier);
         return path;
@@ -52,7 +53,8 @@ TEST(MainWindow, CaptionsAndStartingState) {
     Window w;
     EXPECT_EQ(w.window.windowTitle(), "Quillon");
     EXPECT_EQ(w.find<QPushButton>("cmdExport")->text(), "Ex&port ");
-    EXPECT_EQ(w.find<QPushButton>("cmdList")->toolTip(), "This will export a list of NPCs and their details from a chosen cell.");
+    EXPECT_EQ(w.find<QPushButton>("cmdList")->toolTip(),
+              "This will export a list of NPCs and their details from a chosen cell.");
     EXPECT_EQ(w.find<QCheckBox>("chkClones")->toolTip(),
               "Checking this will allow exporitng of Clone NPCs, such as guards, \"cattle\", and the like.");
     EXPECT_EQ(w.find<QLabel>("lblSaves")->text(), "Savegames Specific");
@@ -64,7 +66,8 @@ TEST(MainWindow, CaptionsAndStartingState) {
     // Keys show as hints; the window's own key table handles them, so none is registered twice.
     EXPECT_EQ(w.action("mnuSaveAs")->text(), "&Save as\tCtrl+Shift+S");
     EXPECT_EQ(w.action("mnuLoops")->text(), "&Detect Loops");
-    for (QAction* a : w.window.findChildren<QAction*>()) EXPECT_TRUE(a->shortcut().isEmpty()) << a->text().toStdString();
+    for (QAction* a : w.window.findChildren<QAction*>())
+        EXPECT_TRUE(a->shortcut().isEmpty()) << a->text().toStdString();
     EXPECT_TRUE(w.find("optPure")->isEnabled());
 }
 
@@ -87,7 +90,8 @@ TEST(MainWindow, ShortcutsOpenSaveAndClose) {
     w.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier); // Save As asks for a file
     EXPECT_EQ(w.dialogs.fileRequests.back().filterIndex, 2);
 
-    for (int i = 0; i < 8; ++i) w.key(Qt::Key_C, Qt::ControlModifier); // the first closes, the rest are disabled
+    for (int i = 0; i < 8; ++i)
+        w.key(Qt::Key_C, Qt::ControlModifier); // the first closes, the rest are disabled
     EXPECT_FALSE(w.find("cmdExport")->isEnabled());
     EXPECT_EQ(w.find<QLabel>("lblCount44")->text(), "0");
     QString log = w.find<QLabel>("lblLog")->text();
@@ -108,7 +112,9 @@ TEST(MainWindow, KeyTable) {
         return [text](Window& w) { return w.session.log.caption().find(text) != std::string::npos; };
     };
     // The last file dialog asked for, if any.
-    auto lastRequest = [](Window& w) { return w.dialogs.fileRequests.empty() ? FileRequest{} : w.dialogs.fileRequests.back(); };
+    auto lastRequest = [](Window& w) {
+        return w.dialogs.fileRequests.empty() ? FileRequest{} : w.dialogs.fileRequests.back();
+    };
     const Qt::KeyboardModifiers ctrl = Qt::ControlModifier, shift = Qt::ControlModifier | Qt::ShiftModifier;
     const std::vector<Row> rows = {
         {Qt::Key_O, ctrl, false, [](Window& w) { return w.dialogs.fileRequests.size() == 2; }},
@@ -160,7 +166,8 @@ void pressEnterOnNextBox(QString* defaultText, QStringList* buttons) {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         ASSERT_NE(box, nullptr);
         *defaultText = box->defaultButton() ? box->defaultButton()->text() : QString();
-        for (QAbstractButton* b : box->buttons()) *buttons << b->text();
+        for (QAbstractButton* b : box->buttons())
+            *buttons << b->text();
         QTest::keyClick(box, Qt::Key_Return);
     });
 }
@@ -173,7 +180,9 @@ TEST(QtDialogs, QuestionsThatCanDestroyAFileDefaultToKeepingIt) {
     QString chosen;
     QStringList buttons;
     pressEnterOnNextBox(&chosen, &buttons);
-    EXPECT_EQ(dialogs.ask({QuestionId::ReplaceOtherFile}, "Replace it?", Buttons::YesNoDefaultNo, Icon::Warning, ""), Answer::No);
+    EXPECT_EQ(dialogs.ask({QuestionId::ReplaceOtherFile}, "Replace it?", Buttons::YesNoDefaultNo,
+                          Icon::Warning, ""),
+              Answer::No);
     EXPECT_EQ(chosen, "&No");
 
     DamageReport report{"mod.esp", {{"LUAL", "lua", 418, "record of unknown type LUAL"}}, true};
@@ -228,7 +237,8 @@ TEST(FrmOptions, LoadOkCancelAndTheEllipsisRule) {
     {
         FrmOptions form(settings);
         EXPECT_EQ(form.windowTitle(), "Quillon Options");
-        EXPECT_EQ(form.findChild<QCheckBox*>("chkCap")->toolTip(), "Capiotalize the first letter in every new sentence.");
+        EXPECT_EQ(form.findChild<QCheckBox*>("chkCap")->toolTip(),
+                  "Capiotalize the first letter in every new sentence.");
         EXPECT_TRUE(form.findChild<QCheckBox*>("chkEllipsis")->isChecked());
         form.findChild<QCheckBox*>("chkCap")->click();
         EXPECT_FALSE(form.findChild<QCheckBox*>("chkEllipsis")->isChecked());
@@ -246,8 +256,8 @@ TEST(FrmOptions, LoadOkCancelAndTheEllipsisRule) {
 }
 
 TEST(QtDialogs, FiltersKeepTheirPatterns) {
-    QStringList filters = toQtFilters(
-        "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP| All Files (*.*)| *.*");
+    QStringList filters = toQtFilters("Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File "
+                                      "(*.ESP)|*.ESP| All Files (*.*)| *.*");
     ASSERT_EQ(filters.size(), 3);
     EXPECT_EQ(filters[0], "Elder Scrolls Master File (*.ESM) (*.ESM *.esm)");
     EXPECT_EQ(filters[2], "All Files (*.*) (*.*)");

@@ -256,7 +256,7 @@ TEST(RiskyQuestions, SaveAfterARefusedOpenAsksBeforeReplacingAnotherFile) {
     Session s;
     ScriptedDialogs d;
     openPath(s, d, mod);
-    openPath(s, d, notes);    // refused by its name; the records of mod.esp stay
+    openPath(s, d, notes);             // refused by its name; the records of mod.esp stay
     EXPECT_FALSE(Save(s, d).isDone()); // unanswered: the default is No
     EXPECT_EQ(
         d.messages.back(),

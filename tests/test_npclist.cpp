@@ -25,7 +25,8 @@ std::string npc(const std::string& id, const std::string& name, const std::strin
 std::string refs(std::initializer_list<const char*> ids) {
     std::string out;
     for (const char* id : ids)
-        out += "FRMR" + le32(4) + le32(1) + "NAME" + le32(std::int32_t(std::strlen(id) + 1)) + id + std::string(1, '\0');
+        out += "FRMR" + le32(4) + le32(1) + "NAME" + le32(std::int32_t(std::strlen(id) + 1)) + id +
+               std::string(1, '\0');
     return out;
 }
 
@@ -34,19 +35,26 @@ std::string refs(std::initializer_list<const char*> ids) {
 std::string smallWorld() {
     Rec guild("FACT");
     guild.z("NAME", "Fighters Guild").z("FNAM", "Fighters Guild");
-    for (const char* rank : {"Associate", "Apprentice", "Journeyman"}) guild.sub("RNAM", fixed(rank, 32));
-    return file(0, {guild.bytes(),
-                    npc("smith", "Hlaren Ramoran", "fighters guild", false, false, 2),
-                    npc("aunt", "Ilmeni Dren", "", true, true, 0),
-                    npc("guard", "Imperial Guard", "", false, true, 0),
-                    npc("odd", "Odd One", "x", false, true, 0),
-                    npc("twin", "First Twin", "Fighters Guild", true, true, 1),
-                    npc("TWIN", "Second Twin", "Fighters Guild", false, true, 7),
-                    Rec("CELL").z("NAME", "Balmora, Guild").sub("DATA", le32(1) + le32(0) + le32(0))
-                        .raw(refs({"smith", "aunt", "guard", "aunt"})).bytes(),
-                    Rec("CELL").z("NAME", "Bitter Coast").sub("DATA", le32(0) + le32(-3) + le32(7))
-                        .z("RGNN", "Bitter Coast Region").raw(refs({"odd", "twin", "nobody"})).bytes(),
-                    Rec("CELL").z("NAME", "Balmora, Empty").sub("DATA", le32(1) + le32(0) + le32(0)).bytes()});
+    for (const char* rank : {"Associate", "Apprentice", "Journeyman"})
+        guild.sub("RNAM", fixed(rank, 32));
+    return file(
+        0, {guild.bytes(), npc("smith", "Hlaren Ramoran", "fighters guild", false, false, 2),
+            npc("aunt", "Ilmeni Dren", "", true, true, 0), npc("guard", "Imperial Guard", "", false, true, 0),
+            npc("odd", "Odd One", "x", false, true, 0),
+            npc("twin", "First Twin", "Fighters Guild", true, true, 1),
+            npc("TWIN", "Second Twin", "Fighters Guild", false, true, 7),
+            Rec("CELL")
+                .z("NAME", "Balmora, Guild")
+                .sub("DATA", le32(1) + le32(0) + le32(0))
+                .raw(refs({"smith", "aunt", "guard", "aunt"}))
+                .bytes(),
+            Rec("CELL")
+                .z("NAME", "Bitter Coast")
+                .sub("DATA", le32(0) + le32(-3) + le32(7))
+                .z("RGNN", "Bitter Coast Region")
+                .raw(refs({"odd", "twin", "nobody"}))
+                .bytes(),
+            Rec("CELL").z("NAME", "Balmora, Empty").sub("DATA", le32(1) + le32(0) + le32(0)).bytes()});
 }
 
 struct Listed {
@@ -85,19 +93,23 @@ TEST(NpcList, MatchesTheGoldenSheets) {
 
 TEST(NpcList, ValuesOfOneEntry) {
     std::string out = list(smallWorld(), NpcListFormat::PlainText, false, "guild").output;
-    EXPECT_NE(out.find("Balmora, Guild:\r\n\r\nHlaren Ramoran\r\nM\r\nDark Elf\r\nSmith\r\nfighters guild, Journeyman\r\n"
+    EXPECT_NE(out.find("Balmora, Guild:\r\n\r\nHlaren Ramoran\r\nM\r\nDark Elf\r\nSmith\r\nfighters guild, "
+                       "Journeyman\r\n"
                        "***Description***\r\n***To be asigned***\r\n\r\n"),
               std::string::npos);
     EXPECT_NE(out.find("Ilmeni Dren\r\nF\r\n"), std::string::npos);
     EXPECT_EQ(out.substr(out.size() - 13), "Total NPCs: 4"); // the NPC placed twice is listed twice
     std::string coast = list(smallWorld(), NpcListFormat::PlainText, false, "coast").output;
     EXPECT_EQ(coast.find("Bitter Coast (-3, 7):\r\n\r\nOdd One\r\nM\r\nDark Elf\r\nSmith\r\nNone\r\n"), 0u);
-    EXPECT_NE(coast.find("First Twin\r\nF\r\nDark Elf\r\nSmith\r\nFighters Guild, Apprentice\r\n"), std::string::npos);
-    EXPECT_NE(coast.find("Second Twin\r\nM\r\nDark Elf\r\nSmith\r\nFighters Guild, \r\n"), std::string::npos); // no rank 7
+    EXPECT_NE(coast.find("First Twin\r\nF\r\nDark Elf\r\nSmith\r\nFighters Guild, Apprentice\r\n"),
+              std::string::npos);
+    EXPECT_NE(coast.find("Second Twin\r\nM\r\nDark Elf\r\nSmith\r\nFighters Guild, \r\n"),
+              std::string::npos); // no rank 7
 }
 
 TEST(NpcList, ClonesFilter) {
-    for (const char* clone : {"Imperial Guard", "Ordinator Guard", "Dreamer", "dead body", "Adventurer Bob", "CATTLE"})
+    for (const char* clone :
+         {"Imperial Guard", "Ordinator Guard", "Dreamer", "dead body", "Adventurer Bob", "CATTLE"})
         EXPECT_TRUE(isClone(clone)) << clone;
     for (const char* person : {"Dreamer Prophet", "Ordinator Captain", "Playful", "Vampire Hunter"})
         EXPECT_FALSE(isClone(person)) << person;

@@ -18,8 +18,7 @@ struct Read {
 std::unique_ptr<Read> read(const std::string& bytes, std::deque<Reply> replies = {}) {
     auto r = std::make_unique<Read>();
     r->prompts.replies = std::move(replies);
-    r->ms = ReadESBuffer(r->store, bytes, r->count,
-                         false, r->prompts, &r->diagnostics);
+    r->ms = ReadESBuffer(r->store, bytes, r->count, false, r->prompts, &r->diagnostics);
     return r;
 }
 
@@ -75,7 +74,8 @@ TEST(ReadDialogue, InfoFieldsAndConditions) {
         .sub("SCVR", scvr('2', '1', "46", '0'))
         .text("BNAM", std::string("Goodbye\0", 8))
         .sub("DELE", le32(0));
-    for (char slot = '3'; slot <= '6'; ++slot) info.sub("SCVR", scvr(slot, '1', "00", '0')).i32("INTV", slot);
+    for (char slot = '3'; slot <= '6'; ++slot)
+        info.sub("SCVR", scvr(slot, '1', "00", '0')).i32("INTV", slot);
     auto r = read(file(1, {info.bytes()}));
     ASSERT_EQ(r->store.INFO.size(), 1u);
     const InfoRecord& i = r->store.INFO[0];
@@ -139,7 +139,8 @@ TEST(ReadActors, RunsListsAndStatisticForms) {
 
 TEST(ReadCell, ReferencesPersistenceMovesAndSaveData) {
     auto ref = [](std::int32_t index, const std::string& id) {
-        return "FRMR" + le32(4) + le32(index) + "NAME" + le32(std::int32_t(id.size() + 1)) + id + std::string(1, '\0');
+        return "FRMR" + le32(4) + le32(index) + "NAME" + le32(std::int32_t(id.size() + 1)) + id +
+               std::string(1, '\0');
     };
     std::string moved = "MVRF" + le32(4) + le32(9) + "CNAM" + le32(7) + "Balmora" + ref(9, "moved");
     auto r = read(file(1, {Rec("CELL")
@@ -178,21 +179,27 @@ TEST(ReadObjects, GlobalValueRules) {
                            glob("c", 's', 40000), glob("d", 's', -32768), glob("e", 's', -32767),
                            glob("f", 'f', 2.5f)}));
     std::vector<float> values;
-    for (const GlobRecord& g : r->store.GLOB) values.push_back(g.FLTV);
+    for (const GlobRecord& g : r->store.GLOB)
+        values.push_back(g.FLTV);
     EXPECT_EQ(values, (std::vector<float>{0, 2, 4, 0, 0, -32767, 2.5f}));
 }
 
 TEST(ReadObjects, TextsSlotsAndBodyParts) {
     Rec spel("SPEL");
     spel.z("NAME", "s");
-    for (int i = 0; i < 9; ++i) spel.sub("ENAM", std::string(24, char('0' + i)));
+    for (int i = 0; i < 9; ++i)
+        spel.sub("ENAM", std::string(24, char('0' + i)));
     Rec armo("ARMO");
     armo.z("NAME", "a").sub("AODT", std::string(24, '\0'));
     armo.sub("INDX", "\x01").text("BNAM", "male").text("CNAM", "female");
     armo.sub("INDX", "\x02").text("CNAM", "c-first").text("BNAM", "b").text("CNAM", "c-last");
-    auto r = read(file(4, {Rec("BOOK").z("NAME", "b").text("TEXT", std::string("words\0", 6)).bytes(), spel.bytes(),
-                           armo.bytes(), Rec("FACT").z("NAME", "f").sub("RNAM", fixed("Rank", 32)).raw(
-                               "ANAM" + le32(3) + std::string("ab\0", 3) + "XXXX" + le32(4) + le32(-5)).bytes()}));
+    auto r = read(file(4, {Rec("BOOK").z("NAME", "b").text("TEXT", std::string("words\0", 6)).bytes(),
+                           spel.bytes(), armo.bytes(),
+                           Rec("FACT")
+                               .z("NAME", "f")
+                               .sub("RNAM", fixed("Rank", 32))
+                               .raw("ANAM" + le32(3) + std::string("ab\0", 3) + "XXXX" + le32(4) + le32(-5))
+                               .bytes()}));
     EXPECT_EQ(r->store.BOOK[0].TEXT, std::string("words\0", 6));
     ASSERT_EQ(r->store.SPEL[0].Effects.size(), 9u); // a ninth effect is kept
     EXPECT_EQ(r->store.SPEL[0].Effects[8].ENAM[0], '8');
@@ -244,8 +251,9 @@ TEST(ReadDriver, UnknownRecordQuestion) {
                                  Rec("STAT").z("NAME", "s").bytes()});
     auto cancel = read(bytes, {Reply::Cancel});
     ASSERT_EQ(cancel->prompts.asked.size(), 1u); // Cancel is "Yes To All"
-    EXPECT_EQ(cancel->prompts.asked[0], "Unknown record encountered at address: 324.\r\nContinue reading? Cancel is "
-                                        "Yes To All.\r\nRecord Name: \"ZZZZ\"");
+    EXPECT_EQ(cancel->prompts.asked[0],
+              "Unknown record encountered at address: 324.\r\nContinue reading? Cancel is "
+              "Yes To All.\r\nRecord Name: \"ZZZZ\"");
     ASSERT_EQ(cancel->store.Unknown.size(), 2u);
     EXPECT_EQ(cancel->store.Unknown[0].Size, 12);
     EXPECT_EQ(cancel->store.Unknown[0].Data.size(), 12u); // kept for a repair, never written as they are
@@ -271,6 +279,8 @@ TEST(ReadDriver, DamagedInputEndsCleanly) {
     }
     auto truncated = read(good.substr(0, good.size() - 3));
     EXPECT_TRUE(truncated->diagnostics.truncated);
+    EXPECT_EQ(truncated->diagnostics.truncatedRecordAt,
+              truncated->store.INFO.at(0).Offset); // the last record
     auto whole = read(good);
     EXPECT_FALSE(whole->diagnostics.truncated);
     // Sizes that point far past the end or below zero are clamped.

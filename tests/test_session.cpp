@@ -25,7 +25,8 @@ std::string withoutTime(std::string line) {
 
 std::string plugin(std::int32_t headerCount, int stats) {
     std::string bytes = file(headerCount, {});
-    for (int i = 0; i < stats; ++i) bytes += Rec("STAT").z("NAME", "s" + std::to_string(i)).z("MODL", "m").bytes();
+    for (int i = 0; i < stats; ++i)
+        bytes += Rec("STAT").z("NAME", "s" + std::to_string(i)).z("MODL", "m").bytes();
     return bytes;
 }
 
@@ -33,7 +34,8 @@ std::string plugin(std::int32_t headerCount, int stats) {
 
 TEST(Log, KeepsTheNewestSixLines) {
     Log log;
-    for (int i = 1; i <= 7; ++i) log.LogLine("-" + std::to_string(i));
+    for (int i = 1; i <= 7; ++i)
+        log.LogLine("-" + std::to_string(i));
     EXPECT_EQ(log.caption(), "-2\r\n-3\r\n-4\r\n-5\r\n-6\r\n-7\r\n");
     // Two lines at once into a full log: the oldest line and the empty tail beyond place 7 go.
     log.LogLine("-a\r\n-b");
@@ -67,7 +69,8 @@ TEST(Open, LogsReadCountsAndHeaderMismatch) {
     Close(s);
     EXPECT_EQ(logLines(s).back(), "-Closed \"y.esm\" successfully.");
     EXPECT_FALSE(s.fileGroupEnabled);
-    for (const std::string& shown : s.counts.shown) EXPECT_EQ(shown, "0");
+    for (const std::string& shown : s.counts.shown)
+        EXPECT_EQ(shown, "0");
     EXPECT_TRUE(s.currentPath.empty());
 }
 
@@ -83,7 +86,8 @@ TEST(Open, CancelAndFailures) {
     EXPECT_FALSE(s.fileGroupEnabled);
     EXPECT_EQ(d.messages.back(), "Cannot read \"gone.esp\": the file does not exist.");
     openPath(s, d, dir.write("cut.esp", plugin(1, 1).substr(0, 340)));
-    EXPECT_EQ(logLines(s).back(), "-Warning: \"cut.esp\" ends inside a record; its last record is incomplete.");
+    EXPECT_EQ(logLines(s).back(),
+              "-Warning: \"cut.esp\" ends inside a record; its last record is incomplete.");
 }
 
 TEST(Save, WritesOverTheCurrentFileWithDisplayedTotal) {
@@ -95,7 +99,8 @@ TEST(Save, WritesOverTheCurrentFileWithDisplayedTotal) {
     s.counts.shown[CountLabel::Total] = "7"; // the header's count comes from the display
     ASSERT_TRUE(Save(s, d).isDone());
     EXPECT_EQ(logLines(s).at(2), "-Writing \"p.esp\"...");
-    EXPECT_EQ(withoutTime(logLines(s).at(3)), "-Finished writing \"p.esp\" in T seconds. 7 records have been written.");
+    EXPECT_EQ(withoutTime(logLines(s).at(3)),
+              "-Finished writing \"p.esp\" in T seconds. 7 records have been written.");
     std::string out = readAll(path);
     EXPECT_EQ(out.substr(24 + 296, 4), le32(6));
     EXPECT_EQ(out.substr(24 + 4, 4), le32(0)); // a plugin's file type
@@ -109,7 +114,8 @@ TEST(Save, FailureKeepsTheOldFile) {
     openPath(s, d, path);
     if (::geteuid() == 0) GTEST_SKIP() << "running as root: a read-only folder does not stop writing";
     std::string before = readAll(path);
-    std::filesystem::permissions(dir.file(""), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    std::filesystem::permissions(dir.file(""),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
     bool ok = Save(s, d).isDone();
     std::filesystem::permissions(dir.file(""), std::filesystem::perms::owner_all);
     EXPECT_FALSE(ok);
@@ -139,7 +145,8 @@ TEST(SaveAs, CreatesTheFileAndMakesItCurrent) {
     EXPECT_TRUE(SaveAs(s, d));
     EXPECT_EQ(d.fileRequests.back().filterIndex, 2);
     EXPECT_EQ(d.fileRequests.back().flags, 2u);
-    EXPECT_EQ(logLines(s).back(), "-Finished writing \"b.ess\" in 0.000 seconds. 2 records have been written.");
+    EXPECT_EQ(logLines(s).back(),
+              "-Finished writing \"b.ess\" in 0.000 seconds. 2 records have been written.");
     EXPECT_TRUE(std::filesystem::exists(dir.file("b.ess")));
     EXPECT_EQ(readAll(dir.file("b.ess")), ""); // created empty, nothing written
     EXPECT_EQ(s.currentPath, dir.file("b.ess"));
@@ -157,6 +164,7 @@ TEST(Counts, CaptionsAndSavegameLabels) {
     EXPECT_STREQ(countCaption(44), "Total:");
     EXPECT_STREQ(countCaption(56), "STLN:");
     int savegame = 0;
-    for (std::size_t i = 0; i < kCountLabels; ++i) savegame += isSavegameLabel(i);
+    for (std::size_t i = 0; i < kCountLabels; ++i)
+        savegame += isSavegameLabel(i);
     EXPECT_EQ(savegame, 12);
 }

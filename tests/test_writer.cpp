@@ -10,7 +10,8 @@ namespace {
 
 std::string tags(const std::vector<std::string>& recs) {
     std::string out;
-    for (const std::string& r : recs) out += r.substr(0, 4) + " ";
+    for (const std::string& r : recs)
+        out += r.substr(0, 4) + " ";
     return out;
 }
 
@@ -106,14 +107,26 @@ TEST(WriteDialogue, OptionalSubRecordsAndConditions) {
 }
 
 TEST(WriteDialogue, DeletedForms) {
-    std::string dial = writeOne(Rec("DIAL", 0x20).z("NAME", "T").sub("DATA", std::string(4, '\x09')).i32("XIDX", 3).bytes());
-    EXPECT_EQ(dial, Rec("DIAL").z("NAME", "T").sub("DATA", le32(0)).i32("XIDX", 3).sub("DELE", le32(0)).bytes().substr(16));
+    std::string dial =
+        writeOne(Rec("DIAL", 0x20).z("NAME", "T").sub("DATA", std::string(4, '\x09')).i32("XIDX", 3).bytes());
+    EXPECT_EQ(dial, Rec("DIAL")
+                        .z("NAME", "T")
+                        .sub("DATA", le32(0))
+                        .i32("XIDX", 3)
+                        .sub("DELE", le32(0))
+                        .bytes()
+                        .substr(16));
     InfoRecord info;
     info.Flags = 0x20;
     info.INAMSize = 2, info.INAM = "1", info.PNAMSize = 2, info.PNAM = "0", info.DATASize = 12;
     info.NAMESize = 3, info.NAME = "Bye", info.ONAMSize = 2, info.ONAM = "o";
-    EXPECT_EQ(written([&](ByteSink& s) { writeInfo(s, info); }).substr(16),
-              Rec("INFO").z("INAM", "1").z("PNAM", "0").text("NAME", "Bye").sub("DELE", le32(0)).bytes().substr(16));
+    EXPECT_EQ(written([&](ByteSink& s) { writeInfo(s, info); }).substr(16), Rec("INFO")
+                                                                                .z("INAM", "1")
+                                                                                .z("PNAM", "0")
+                                                                                .text("NAME", "Bye")
+                                                                                .sub("DELE", le32(0))
+                                                                                .bytes()
+                                                                                .substr(16));
 }
 
 TEST(WriteObjects, DeletedFormsPerFamily) {
@@ -121,13 +134,16 @@ TEST(WriteObjects, DeletedFormsPerFamily) {
     auto weapon = [](std::int32_t flags) {
         return Rec("WEAP", flags).z("NAME", "w").z("MODL", "m").sub("WPDT", std::string(32, '\0')).bytes();
     };
-    EXPECT_EQ(writeOne(weapon(0x14)), "NAME" + le32(2) + std::string("w\0", 2) + dele); // low byte 20: deleted
-    EXPECT_EQ(writeOne(weapon(0x13)), weapon(0).substr(16));                           // 19: not deleted
+    EXPECT_EQ(writeOne(weapon(0x14)),
+              "NAME" + le32(2) + std::string("w\0", 2) + dele); // low byte 20: deleted
+    EXPECT_EQ(writeOne(weapon(0x13)), weapon(0).substr(16));    // 19: not deleted
     EXPECT_EQ(writeOne(Rec("SSCR", 0x20).text("NAME", "n").text("DATA", "d").bytes()),
               dele + "NAME" + le32(1) + "n" + "DATA" + le32(1) + "d");
-    EXPECT_EQ(writeOne(Rec("PGRD", 0x20).sub("DATA", std::string(12, '\0')).z("NAME", "p").bytes()).find("DELE"),
-              std::string::npos);
-    EXPECT_EQ(writeOne(Rec("NPC_", 0x20).z("NAME", "n").z("FNAM", "F").bytes()), "NAME" + le32(2) + std::string("n\0", 2) + dele);
+    EXPECT_EQ(
+        writeOne(Rec("PGRD", 0x20).sub("DATA", std::string(12, '\0')).z("NAME", "p").bytes()).find("DELE"),
+        std::string::npos);
+    EXPECT_EQ(writeOne(Rec("NPC_", 0x20).z("NAME", "n").z("FNAM", "F").bytes()),
+              "NAME" + le32(2) + std::string("n\0", 2) + dele);
     EXPECT_EQ(writeOne(Rec("SKIL", 0x20).i32("INDX", 3).sub("SKDT", std::string(24, '\0')).bytes()),
               "INDX" + le32(4) + le32(3) + dele);
 }
@@ -141,18 +157,23 @@ TEST(WriteObjects, ValueChoicesAndScriptText) {
 }
 
 TEST(WriteActors, StatisticFormsAndAiData) {
-    std::string shortForm = Rec("NPC_").z("NAME", "a").sub("NPDT", std::string(12, '\x01')).i32("FLAG", 0x0201).bytes();
+    std::string shortForm =
+        Rec("NPC_").z("NAME", "a").sub("NPDT", std::string(12, '\x01')).i32("FLAG", 0x0201).bytes();
     EXPECT_EQ(writeOne(shortForm), shortForm.substr(16));
-    std::string odd = writeOne(Rec("NPC_").z("NAME", "b").subSized("NPDT", 40, std::string(52, '\x02')).i32("FLAG", 8).bytes());
-    EXPECT_NE(odd.find("NPDT" + le32(40) + std::string(52, '\x02')), std::string::npos); // 52 bytes for any other size
+    std::string odd = writeOne(
+        Rec("NPC_").z("NAME", "b").subSized("NPDT", 40, std::string(52, '\x02')).i32("FLAG", 8).bytes());
+    EXPECT_NE(odd.find("NPDT" + le32(40) + std::string(52, '\x02')),
+              std::string::npos); // 52 bytes for any other size
     EXPECT_EQ(odd.find("AIDT"), std::string::npos);
-    std::string creature = writeOne(Rec("CREA").z("NAME", "c").sub("NPDT", std::string(96, '\0')).i32("FLAG", 8).bytes());
+    std::string creature =
+        writeOne(Rec("CREA").z("NAME", "c").sub("NPDT", std::string(96, '\0')).i32("FLAG", 8).bytes());
     EXPECT_NE(creature.find("AIDT" + le32(0) + std::string(12, '\0')), std::string::npos); // creatures always
 }
 
 TEST(WriteCell, ReferencePassesDeletionAndMovedReferences) {
     auto ref = [](std::int32_t index, const std::string& id) {
-        return "FRMR" + le32(4) + le32(index) + "NAME" + le32(std::int32_t(id.size() + 1)) + id + std::string(1, '\0');
+        return "FRMR" + le32(4) + le32(index) + "NAME" + le32(std::int32_t(id.size() + 1)) + id +
+               std::string(1, '\0');
     };
     RecordStore store = readStore(file(1, {Rec("CELL")
                                                .z("NAME", "c")

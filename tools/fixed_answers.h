@@ -31,9 +31,11 @@ public:
     }
     std::string openFile(const FileRequest&) override { return file; }
     std::string saveFile(const FileRequest&) override { return file; }
-    std::string editResponse(const std::string&, const std::string&, const std::string& text) override { return text; }
-    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text, const std::string& result,
-                    std::int32_t) override {
+    std::string editResponse(const std::string&, const std::string&, const std::string& text) override {
+        return text;
+    }
+    LoopFix fixLoop(const std::string&, const std::string&, const std::string& text,
+                    const std::string& result, std::int32_t) override {
         return {2, text, result};
     }
     void editOptions(CleanupSettings&) override {}

@@ -39,12 +39,14 @@ std::vector<std::string> topic(const std::string& name, std::int32_t type, std::
         if (i + 1 < responses.size()) responses[i].next = responses[i + 1].id;
     }
     std::vector<std::string> out{Rec("DIAL").z("NAME", name).sub("DATA", std::string(1, char(type))).bytes()};
-    for (const Response& r : responses) out.push_back(info(type, r));
+    for (const Response& r : responses)
+        out.push_back(info(type, r));
     return out;
 }
 
-std::string npc(const std::string& id, const std::string& name, const std::string& race, const std::string& cls,
-                const std::string& faction, bool female, bool autoCalculated, std::uint8_t rank) {
+std::string npc(const std::string& id, const std::string& name, const std::string& race,
+                const std::string& cls, const std::string& faction, bool female, bool autoCalculated,
+                std::uint8_t rank) {
     Rec rec("NPC_");
     rec.z("NAME", id).z("MODL", "").z("FNAM", name).z("RNAM", race).z("CNAM", cls).z("ANAM", faction);
     rec.z("BNAM", "b_n_dark elf_m_head_01").z("KNAM", "b_n_dark elf_m_hair_01");
@@ -77,12 +79,15 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::vector<std::string> records;
-    auto add = [&](const std::vector<std::string>& more) { records.insert(records.end(), more.begin(), more.end()); };
+    auto add = [&](const std::vector<std::string>& more) {
+        records.insert(records.end(), more.begin(), more.end());
+    };
 
     std::string ranks[] = {"Apprentice", "Journeyman", "Master Trader"};
     Rec guild("FACT");
     guild.z("NAME", "ks_traders").z("FNAM", "Kestrel Traders");
-    for (const std::string& rank : ranks) guild.sub("RNAM", fixed(rank, 32));
+    for (const std::string& rank : ranks)
+        guild.sub("RNAM", fixed(rank, 32));
     guild.sub("FADT", std::string(240, '\0'));
     records.push_back(guild.bytes());
 
@@ -119,59 +124,67 @@ int main(int argc, char** argv) {
                           .raw(reference(7, "ks_marco", 0) + reference(8, "ks_mudcrab", 5))
                           .bytes());
 
-    std::string longText =
-        "Kestrel was built on the old salt road, back when the caravans still came down from the Ashlands every "
-        "spring. My grandfather kept the tradehouse then, and he used to say that a trader who cannot tell a story "
-        "will never sell a single crate of kwama eggs. So I will tell you one, and you can decide for yourself if "
-        "it was worth the time. There was a pilgrim once who walked all the way from Vivec with nothing but a "
-        "walking staff and a sack of bread, and when she arrived she asked for a room, a bath and a map of the "
-        "coast. We had no map. She stayed the whole summer drawing one, and it still hangs upstairs by the stairs.";
+    std::string longText = "Kestrel was built on the old salt road, back when the caravans still came down "
+                           "from the Ashlands every "
+                           "spring. My grandfather kept the tradehouse then, and he used to say that a "
+                           "trader who cannot tell a story "
+                           "will never sell a single crate of kwama eggs. So I will tell you one, and you "
+                           "can decide for yourself if "
+                           "it was worth the time. There was a pilgrim once who walked all the way from "
+                           "Vivec with nothing but a "
+                           "walking staff and a sack of bread, and when she arrived she asked for a room, a "
+                           "bath and a map of the "
+                           "coast. We had no map. She stayed the whole summer drawing one, and it still "
+                           "hangs upstairs by the stairs.";
 
     add(topic("Greeting 5", 2,
               {{"7315522011482527721", "", "", "ks_fenrick",
                 "Welcome to the tradehouse, %Name. What can a humble %class do for you?", "", false},
                {"28611265512030213437", "", "", "ks_ilara",
                 "Blessings of the Tribunal upon you. I am just a %race pilgrim resting here.", "", false},
-               {"18733178293253715001", "", "", "ks_mudcrab", "Click. Click-click. The crab wants to trade.", "",
-                false},
+               {"18733178293253715001", "", "", "ks_mudcrab", "Click. Click-click. The crab wants to trade.",
+                "", false},
                {"21573164912614426520", "", "", "ks_marco",
                 "Move along, citizen. The %Faction keep an eye on this road.", "", false},
                {"30542243702118232299", "", "", "", "You have nothing to say to this person.", "", false}}));
-    add(topic("little secret", 0,
-              {{"194461299218313498", "", "", "ks_fenrick",
-                "I shouldn't tell you this... but the \"old road\" is safer than the new one.\r\nAsk Ilara if you "
-                "don't believe me.",
-                "", false},
-               {"2617628521109719305", "", "", "ks_ilara",
-                "They say the \x93Lady of the Coast\x94 walks the shore at night. I'm gonna stay inside.", "",
-                false},
-               {"11093306851471414733", "", "", "ks_fenrick",
-                "Do you want to hear the story again?", "Choice \"Yes, tell me again\" 2 \"No, thank you\" 3",
-                true},
-               {"32141306822751913985", "", "", "ks_fenrick", longText, "", false},
-               {"5241293982319311043", "", "", "ks_marco",
-                "i travelled from cyrodiil to vvardenfell.the colour of the armour here is odd ,isn't it?", "",
-                false},
-               {"1411912522314021829", "", "", "ks_ilara", "%PC, you should visit the temple of vivec -- truly.",
-                "", false}}));
-    add(topic("kestrel", 0,
-              {{"2294310752240621045", "", "", "ks_fenrick",
-                "Kestrel is a small town on the Bitter Coast. We trade in salt, fish and rumours.", "", false},
-               {"9128113226328510127", "", "", "ks_marco",
-                "Kestrel? Quiet, mostly. Unless the smugglers come in from the sea of ghosts.", "", false},
-               {"17423153481853621903", "", "", "ks_ilara",
-                "I came here to pray at the shrine; the town is... restful.", "", false},
-               {"2981415812310325863", "", "", "ks_fenrick",
-                "Want the map? (It's upstairs.) I'll sell you a copy for fifty drakes.", "", false}}));
-    add(topic("KS_Sample_Quest", 4,
-              {{"14211306423064925440", "", "", "", "Fenrick Ulvo asked me to find the pilgrim's map.", "", false},
-               {"22617275193226319561", "", "", "", "Ilara Davel told me the map hangs upstairs.", "", false},
-               {"31826122523102831117", "", "", "", "I brought the map back to Fenrick. He was pleased.", "",
-                false},
-               {"4130262741250020757", "", "", "", "Fenrick gave me a copy of the map to keep.", "", false}}));
+    add(topic(
+        "little secret", 0,
+        {{"194461299218313498", "", "", "ks_fenrick",
+          "I shouldn't tell you this... but the \"old road\" is safer than the new one.\r\nAsk Ilara if you "
+          "don't believe me.",
+          "", false},
+         {"2617628521109719305", "", "", "ks_ilara",
+          "They say the \x93Lady of the Coast\x94 walks the shore at night. I'm gonna stay inside.", "",
+          false},
+         {"11093306851471414733", "", "", "ks_fenrick", "Do you want to hear the story again?",
+          "Choice \"Yes, tell me again\" 2 \"No, thank you\" 3", true},
+         {"32141306822751913985", "", "", "ks_fenrick", longText, "", false},
+         {"5241293982319311043", "", "", "ks_marco",
+          "i travelled from cyrodiil to vvardenfell.the colour of the armour here is odd ,isn't it?", "",
+          false},
+         {"1411912522314021829", "", "", "ks_ilara", "%PC, you should visit the temple of vivec -- truly.",
+          "", false}}));
+    add(topic(
+        "kestrel", 0,
+        {{"2294310752240621045", "", "", "ks_fenrick",
+          "Kestrel is a small town on the Bitter Coast. We trade in salt, fish and rumours.", "", false},
+         {"9128113226328510127", "", "", "ks_marco",
+          "Kestrel? Quiet, mostly. Unless the smugglers come in from the sea of ghosts.", "", false},
+         {"17423153481853621903", "", "", "ks_ilara",
+          "I came here to pray at the shrine; the town is... restful.", "", false},
+         {"2981415812310325863", "", "", "ks_fenrick",
+          "Want the map? (It's upstairs.) I'll sell you a copy for fifty drakes.", "", false}}));
+    add(topic(
+        "KS_Sample_Quest", 4,
+        {{"14211306423064925440", "", "", "", "Fenrick Ulvo asked me to find the pilgrim's map.", "", false},
+         {"22617275193226319561", "", "", "", "Ilara Davel told me the map hangs upstairs.", "", false},
+         {"31826122523102831117", "", "", "", "I brought the map back to Fenrick. He was pleased.", "",
+          false},
+         {"4130262741250020757", "", "", "", "Fenrick gave me a copy of the map to keep.", "", false}}));
 
     std::string out = file(std::int32_t(records.size()), {});
-    for (const std::string& r : records) out += r;
+    for (const std::string& r : records)
+        out += r;
     std::FILE* f = std::fopen(argv[1], "wb");
     if (!f || std::fwrite(out.data(), 1, out.size(), f) != out.size() || std::fclose(f) != 0) {
         std::fprintf(stderr, "make_sample: cannot write %s\n", argv[1]);

@@ -59,7 +59,9 @@ public:
         body_ += bytes;
         return *this;
     }
-    std::string bytes() const { return tag_ + le32(std::int32_t(body_.size())) + le32(0) + le32(flags_) + body_; }
+    std::string bytes() const {
+        return tag_ + le32(std::int32_t(body_.size())) + le32(0) + le32(flags_) + body_;
+    }
 
 private:
     std::string tag_;
@@ -76,12 +78,14 @@ inline std::string hedr(std::int32_t numRecords, std::int32_t fileType = 0, cons
 // A whole file: a header saying numRecords, then the records.
 inline std::string file(std::int32_t numRecords, std::initializer_list<std::string> records) {
     std::string out = Rec("TES3").sub("HEDR", hedr(numRecords)).bytes();
-    for (const std::string& r : records) out += r;
+    for (const std::string& r : records)
+        out += r;
     return out;
 }
 
 // An INFO condition: slot, type, function, comparison, name; then its INTV value.
-inline std::string scvr(char slot, char type, const char* function, char comparison, const std::string& name = "") {
+inline std::string scvr(char slot, char type, const char* function, char comparison,
+                        const std::string& name = "") {
     return std::string{slot, type, function[0], function[1], comparison} + name;
 }
 

@@ -11,8 +11,8 @@ FrmAbout::FrmAbout(QWidget* parent) : QDialog(parent) {
     auto* title = new QLabel(QStringLiteral("<h2>Quillon</h2>"));
     auto* version = new QLabel(QStringLiteral("Version " QUILLON_VERSION));
     version->setObjectName("lblVersion");
-    auto* description = new QLabel(
-        QStringLiteral("Dialogue tools for the data files of The Elder Scrolls III: Morrowind."));
+    auto* description =
+        new QLabel(QStringLiteral("Dialogue tools for the data files of The Elder Scrolls III: Morrowind."));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(title);

@@ -28,7 +28,6 @@
 #include <iterator>
 #include <new>
 
-
 namespace quillon {
 
 namespace {
@@ -55,37 +54,109 @@ struct WindowCommand {
 // In menu order. There is deliberately no key for loop detection.
 const WindowCommand kCommands[] = {
     {.entry = "mnuOpen", .menu = Menu::File, .caption = "&Open", .handler = &FrmMain::onOpen, .key = 'O'},
-    {.entry = "mnuSave", .menu = Menu::File, .caption = "&Save", .handler = &FrmMain::onSave, .key = 'S', .needsFile = true},
-    {.entry = "mnuSaveAs", .menu = Menu::File, .caption = "&Save as", .handler = &FrmMain::onSaveAs, .key = 'S', .shift = true, .needsFile = true},
-    {.entry = "mnuClose", .menu = Menu::File, .caption = "&Close", .handler = &FrmMain::onClose, .key = 'C', .needsFile = true},
-    {.entry = "mnuExit", .menu = Menu::File, .caption = "E&xit", .handler = &FrmMain::onExit, .key = 'X', .separatorBefore = true},
-    {.entry = "mnuExport", .menu = Menu::Edit, .caption = "&Export Dialogue", .handler = &FrmMain::onExport, .key = 'E', .needsFile = true,
-     .button = "cmdExport", .buttonCaption = "Ex&port ",
+    {.entry = "mnuSave",
+     .menu = Menu::File,
+     .caption = "&Save",
+     .handler = &FrmMain::onSave,
+     .key = 'S',
+     .needsFile = true},
+    {.entry = "mnuSaveAs",
+     .menu = Menu::File,
+     .caption = "&Save as",
+     .handler = &FrmMain::onSaveAs,
+     .key = 'S',
+     .shift = true,
+     .needsFile = true},
+    {.entry = "mnuClose",
+     .menu = Menu::File,
+     .caption = "&Close",
+     .handler = &FrmMain::onClose,
+     .key = 'C',
+     .needsFile = true},
+    {.entry = "mnuExit",
+     .menu = Menu::File,
+     .caption = "E&xit",
+     .handler = &FrmMain::onExit,
+     .key = 'X',
+     .separatorBefore = true},
+    {.entry = "mnuExport",
+     .menu = Menu::Edit,
+     .caption = "&Export Dialogue",
+     .handler = &FrmMain::onExport,
+     .key = 'E',
+     .needsFile = true,
+     .button = "cmdExport",
+     .buttonCaption = "Ex&port ",
      .buttonTip = "Export all dialogue responses to a text-file for easy editing."},
-    {.entry = "mnuImport", .menu = Menu::Edit, .caption = "&Import Dialogue", .handler = &FrmMain::onImport, .key = 'I', .needsFile = true,
-     .button = "cmdImport", .buttonCaption = "&Import ",
+    {.entry = "mnuImport",
+     .menu = Menu::Edit,
+     .caption = "&Import Dialogue",
+     .handler = &FrmMain::onImport,
+     .key = 'I',
+     .needsFile = true,
+     .button = "cmdImport",
+     .buttonCaption = "&Import ",
      .buttonTip = "Import dialogue from previously-exported text file."},
-    {.entry = "mnuList", .menu = Menu::Edit, .caption = "Export NPC &List", .handler = &FrmMain::onList, .key = 'L', .needsFile = true, .button = "cmdList",
+    {.entry = "mnuList",
+     .menu = Menu::Edit,
+     .caption = "Export NPC &List",
+     .handler = &FrmMain::onList,
+     .key = 'L',
+     .needsFile = true,
+     .button = "cmdList",
      .buttonCaption = "Export Character &List",
      .buttonTip = "This will export a list of NPCs and their details from a chosen cell."},
-    {.entry = "mnuLoops", .menu = Menu::Edit, .caption = "&Detect Loops", .handler = &FrmMain::onLoops, .needsFile = true, .button = "cmdLoops",
+    {.entry = "mnuLoops",
+     .menu = Menu::Edit,
+     .caption = "&Detect Loops",
+     .handler = &FrmMain::onLoops,
+     .needsFile = true,
+     .button = "cmdLoops",
      .buttonCaption = "&Detect Loops ",
      .buttonTip = "Checks the dialogue of the currently loaded file for looping problems."},
-    {.entry = "mnuClean", .menu = Menu::Edit, .caption = "&Morrowindize Dialogue", .handler = &FrmMain::onSpellCheck, .key = 'M', .needsFile = true,
-     .separatorBefore = true, .button = "cmdSpellCheck", .buttonCaption = "&Morrowindize ",
+    {.entry = "mnuClean",
+     .menu = Menu::Edit,
+     .caption = "&Morrowindize Dialogue",
+     .handler = &FrmMain::onSpellCheck,
+     .key = 'M',
+     .needsFile = true,
+     .separatorBefore = true,
+     .button = "cmdSpellCheck",
+     .buttonCaption = "&Morrowindize ",
      .buttonTip = "Fix dialogue for common Morrowind misspellings, capitalization, and invalid characters."},
-    {.entry = "mnuOptions", .menu = Menu::Edit, .caption = "Morrowindization O&ptions", .handler = &FrmMain::onOptions, .key = 'P',
-     .keyChecksEnabled = false, .needsFile = true, .button = "cmdOptions", .buttonCaption = "O&ptions ",
+    {.entry = "mnuOptions",
+     .menu = Menu::Edit,
+     .caption = "Morrowindization O&ptions",
+     .handler = &FrmMain::onOptions,
+     .key = 'P',
+     .keyChecksEnabled = false,
+     .needsFile = true,
+     .button = "cmdOptions",
+     .buttonCaption = "O&ptions ",
      .buttonTip = "Gives access to Morrowindization options."},
-    {.entry = "mnuQuotesXml", .menu = Menu::Edit, .caption = "Export &Quotes as XML", .handler = &FrmMain::onQuotesXml, .needsFile = true,
+    {.entry = "mnuQuotesXml",
+     .menu = Menu::Edit,
+     .caption = "Export &Quotes as XML",
+     .handler = &FrmMain::onQuotesXml,
+     .needsFile = true,
      .separatorBefore = true},
-    {.entry = "mnuQuotesKst", .menu = Menu::Edit, .caption = "Export Quotes as &Kestrel File", .handler = &FrmMain::onQuotesKst, .needsFile = true},
-    {.entry = "mnuAbout", .menu = Menu::Help, .caption = "&About", .handler = &FrmMain::onAbout, .key = 'A', .keyChecksEnabled = false},
+    {.entry = "mnuQuotesKst",
+     .menu = Menu::Edit,
+     .caption = "Export Quotes as &Kestrel File",
+     .handler = &FrmMain::onQuotesKst,
+     .needsFile = true},
+    {.entry = "mnuAbout",
+     .menu = Menu::Help,
+     .caption = "&About",
+     .handler = &FrmMain::onAbout,
+     .key = 'A',
+     .keyChecksEnabled = false},
 };
 
 // The key as the menus show it beside a caption.
 QString keyHint(const WindowCommand& c) {
-    QString sequence = QStringLiteral("Ctrl+") + (c.shift ? QStringLiteral("Shift+") : QString()) + QChar(c.key);
+    QString sequence =
+        QStringLiteral("Ctrl+") + (c.shift ? QStringLiteral("Shift+") : QString()) + QChar(c.key);
     return QKeySequence(sequence).toString(QKeySequence::NativeText);
 }
 
@@ -112,10 +183,13 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
     refresh();
 }
 
-FrmMain::~FrmMain() { qApp->removeEventFilter(this); }
+FrmMain::~FrmMain() {
+    qApp->removeEventFilter(this);
+}
 
 void FrmMain::createMenus() {
-    QMenu* menus[] = {menuBar()->addMenu(QStringLiteral("&File")), menuBar()->addMenu(QStringLiteral("&Edit")),
+    QMenu* menus[] = {menuBar()->addMenu(QStringLiteral("&File")),
+                      menuBar()->addMenu(QStringLiteral("&Edit")),
                       menuBar()->addMenu(QStringLiteral("&Help"))};
     menus[0]->setObjectName("mnuFile");
     menus[1]->setObjectName("mnuEdit");
@@ -160,7 +234,8 @@ void FrmMain::createFrames() {
     };
     optPure = radio("optPure", "Pure Text", "This will export the NPC list in a simple text format.");
     optHTML = radio("optHTML", "HTML", "This will export the NPC List with HTML encoding.");
-    optPHP = radio("optPHP", "phpBB", "This will export the NPC list with phpBB encoding, ready to be posted on a forum.");
+    optPHP = radio("optPHP", "phpBB",
+                   "This will export the NPC list with phpBB encoding, ready to be posted on a forum.");
     optPure->setChecked(true);
     chkClones = new QCheckBox(QStringLiteral("Export Clones"));
     chkClones->setObjectName("chkClones");
@@ -199,11 +274,13 @@ QWidget* FrmMain::centralArea() {
         auto* box = new QGroupBox(QString::fromLatin1(caption));
         box->setObjectName(name);
         auto* layout = new QVBoxLayout(box);
-        for (QWidget* w : widgets) layout->addWidget(w);
+        for (QWidget* w : widgets)
+            layout->addWidget(w);
         return box;
     };
     auto* left = new QVBoxLayout;
-    left->addWidget(frame("frmDummy1", "Dialogue", {buttonOf("mnuExport"), buttonOf("mnuImport"), buttonOf("mnuLoops")}));
+    left->addWidget(
+        frame("frmDummy1", "Dialogue", {buttonOf("mnuExport"), buttonOf("mnuImport"), buttonOf("mnuLoops")}));
     left->addWidget(frame("Frame1", "Morrowindization", {buttonOf("mnuClean"), buttonOf("mnuOptions")}));
     left->addWidget(frame("frmDummy2", "Other", {buttonOf("mnuList"), optPure, optHTML, optPHP, chkClones}));
     left->addStretch();
@@ -253,7 +330,8 @@ void FrmMain::refresh() {
     log.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (log.endsWith('\n')) log.chop(1);
     lblLog->setText(log);
-    for (std::size_t i = 0; i < kCountLabels; ++i) lblCount[i]->setText(QString::fromStdString(session_.counts.shown[i]));
+    for (std::size_t i = 0; i < kCountLabels; ++i)
+        lblCount[i]->setText(QString::fromStdString(session_.counts.shown[i]));
     for (std::size_t i = 0; i < std::size(kCommands); ++i) {
         if (!kCommands[i].needsFile) continue;
         entries_[i]->setEnabled(session_.fileGroupEnabled);
@@ -320,20 +398,38 @@ void FrmMain::dropEvent(QDropEvent* event) {
     if (!urls.isEmpty() && urls.front().isLocalFile()) openPathNow(urls.front().toLocalFile());
 }
 
-void FrmMain::onOpen() { run([&] { Open(session_, *dialogs_); }); }
-void FrmMain::onClose() { run([&] { Close(session_); }); }
+void FrmMain::onOpen() {
+    run([&] { Open(session_, *dialogs_); });
+}
+void FrmMain::onClose() {
+    run([&] { Close(session_); });
+}
 void FrmMain::onExit() {
     Exit(session_);
     close();
     QApplication::quit();
 }
-void FrmMain::onSave() { run([&] { Save(session_, *dialogs_); }); }
-void FrmMain::onSaveAs() { run([&] { SaveAs(session_, *dialogs_); }); }
-void FrmMain::onExport() { run([&] { ExportDialogue(session_, *dialogs_); }); }
-void FrmMain::onImport() { run([&] { ImportDialogue(session_, *dialogs_); }); }
-void FrmMain::onLoops() { run([&] { DetectLoops(session_, *dialogs_); }); }
-void FrmMain::onSpellCheck() { run([&] { Morrowindize(session_, *dialogs_); }); }
-void FrmMain::onOptions() { run([&] { dialogs_->editOptions(session_.settings); }); }
+void FrmMain::onSave() {
+    run([&] { Save(session_, *dialogs_); });
+}
+void FrmMain::onSaveAs() {
+    run([&] { SaveAs(session_, *dialogs_); });
+}
+void FrmMain::onExport() {
+    run([&] { ExportDialogue(session_, *dialogs_); });
+}
+void FrmMain::onImport() {
+    run([&] { ImportDialogue(session_, *dialogs_); });
+}
+void FrmMain::onLoops() {
+    run([&] { DetectLoops(session_, *dialogs_); });
+}
+void FrmMain::onSpellCheck() {
+    run([&] { Morrowindize(session_, *dialogs_); });
+}
+void FrmMain::onOptions() {
+    run([&] { dialogs_->editOptions(session_.settings); });
+}
 void FrmMain::onList() {
     NpcListFormat format = optHTML->isChecked()  ? NpcListFormat::Html
                            : optPHP->isChecked() ? NpcListFormat::PhpBB
@@ -341,8 +437,14 @@ void FrmMain::onList() {
     // A checked "Export Clones" box leaves the clones out: the list's own rule, kept as it is.
     run([&] { ExportNpcList(session_, *dialogs_, format, chkClones->isChecked()); });
 }
-void FrmMain::onQuotesXml() { run([&] { ExportQuotesXml(session_, *dialogs_); }); }
-void FrmMain::onQuotesKst() { run([&] { ExportQuotesKst(session_, *dialogs_); }); }
-void FrmMain::onAbout() { dialogs_->about(); }
+void FrmMain::onQuotesXml() {
+    run([&] { ExportQuotesXml(session_, *dialogs_); });
+}
+void FrmMain::onQuotesKst() {
+    run([&] { ExportQuotesKst(session_, *dialogs_); });
+}
+void FrmMain::onAbout() {
+    dialogs_->about();
+}
 
 } // namespace quillon

@@ -14,8 +14,9 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (argc > 1 && std::strcmp(argv[1], "--help") == 0) {
-        std::printf("usage: quillon-gui [FILE]\n\nThe Quillon window; a data file given here is opened at once.\n"
-                    "The command-line twin is quillon (see quillon --help).\n");
+        std::printf(
+            "usage: quillon-gui [FILE]\n\nThe Quillon window; a data file given here is opened at once.\n"
+            "The command-line twin is quillon (see quillon --help).\n");
         return 0;
     }
     std::signal(SIGXFSZ, SIG_IGN); // a write past a file-size limit fails and is reported

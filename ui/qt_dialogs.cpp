@@ -22,7 +22,9 @@ QString shown(const std::string& bytes) {
     return text;
 }
 
-QString titleOf(const std::string& title) { return title.empty() ? QStringLiteral("Quillon") : fromCodePage(title); }
+QString titleOf(const std::string& title) {
+    return title.empty() ? QStringLiteral("Quillon") : fromCodePage(title);
+}
 
 } // namespace
 
@@ -56,7 +58,9 @@ Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, c
     switch (buttons) {
     case Buttons::Ok: box.setStandardButtons(QMessageBox::Ok); break;
     case Buttons::YesNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
-    case Buttons::YesNoCancel: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel); break;
+    case Buttons::YesNoCancel:
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        break;
     case Buttons::YesNoDefaultNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
     }
     if (buttons == Buttons::YesNoDefaultNo) {
@@ -73,14 +77,16 @@ Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, c
     }
 }
 
-std::string QtDialogs::input(const Question&, const std::string& prompt, const std::string& title, const std::string& defaultText) {
+std::string QtDialogs::input(const Question&, const std::string& prompt, const std::string& title,
+                             const std::string& defaultText) {
     bool ok = false;
     QString typed = QInputDialog::getText(owner_, titleOf(title), shown(prompt), QLineEdit::Normal,
                                           fromCodePage(defaultText), &ok);
     if (!ok) return {};
     std::optional<std::string> bytes = toCodePage(typed);
     if (!bytes) {
-        tell("The text holds characters that the file's code page (Windows-1252) cannot store.", Icon::Warning);
+        tell("The text holds characters that the file's code page (Windows-1252) cannot store.",
+             Icon::Warning);
         return {};
     }
     return *bytes;
@@ -95,16 +101,22 @@ std::string QtDialogs::chooseFile(const FileRequest& request, bool save) {
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
         dialog.selectNameFilter(filters[request.filterIndex - 1]);
     if (!request.initialFolder.empty()) dialog.setDirectory(QString::fromStdString(request.initialFolder));
-    if (!request.defaultExtension.empty()) dialog.setDefaultSuffix(QString::fromStdString(request.defaultExtension).remove(0, 1));
+    if (!request.defaultExtension.empty())
+        dialog.setDefaultSuffix(QString::fromStdString(request.defaultExtension).remove(0, 1));
     if (save && !(request.flags & PromptOverwrite)) dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
     return dialog.selectedFiles().front().toStdString();
 }
 
-std::string QtDialogs::openFile(const FileRequest& request) { return chooseFile(request, false); }
-std::string QtDialogs::saveFile(const FileRequest& request) { return chooseFile(request, true); }
+std::string QtDialogs::openFile(const FileRequest& request) {
+    return chooseFile(request, false);
+}
+std::string QtDialogs::saveFile(const FileRequest& request) {
+    return chooseFile(request, true);
+}
 
-std::string QtDialogs::editResponse(const std::string& actor, const std::string& topic, const std::string& text) {
+std::string QtDialogs::editResponse(const std::string& actor, const std::string& topic,
+                                    const std::string& text) {
     FrmInfo form(actor, topic, text, owner_);
     form.exec();
     return form.text();
@@ -127,7 +139,8 @@ DamageChoice QtDialogs::damagedOutput(const DamageReport& report) {
     box.setWindowTitle(titleOf(""));
     box.setIcon(QMessageBox::Warning);
     box.setText(shown(damageQuestion(report)));
-    QPushButton* repair = report.repairable ? box.addButton(QStringLiteral("&Repair"), QMessageBox::AcceptRole) : nullptr;
+    QPushButton* repair =
+        report.repairable ? box.addButton(QStringLiteral("&Repair"), QMessageBox::AcceptRole) : nullptr;
     QPushButton* asIs = box.addButton(QStringLiteral("Write &As Is"), QMessageBox::DestructiveRole);
     QPushButton* cancel = box.addButton(QMessageBox::Cancel);
     // Enter and Escape both write nothing.

@@ -16,18 +16,21 @@ QStringList toQtFilters(const std::string& filter);
 // Every question and form of the commands as real Qt dialogs over the main window.
 class QtDialogs : public Dialogs {
 public:
-    QtDialogs(QWidget* owner, std::function<void()> repaintLog) : owner_(owner), repaintLog_(std::move(repaintLog)) {}
+    QtDialogs(QWidget* owner, std::function<void()> repaintLog)
+        : owner_(owner), repaintLog_(std::move(repaintLog)) {}
 
     void tell(const std::string& text, Icon icon) override { message(text, Buttons::Ok, icon, ""); }
     // The window shows every question to the user, whatever it asks.
-    Answer ask(const Question&, const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
+    Answer ask(const Question&, const std::string& text, Buttons buttons, Icon icon,
+               const std::string& title) override {
         return message(text, buttons, icon, title);
     }
     std::string input(const Question& what, const std::string& prompt, const std::string& title,
                       const std::string& defaultText) override;
     std::string openFile(const FileRequest& request) override;
     std::string saveFile(const FileRequest& request) override;
-    std::string editResponse(const std::string& actor, const std::string& topic, const std::string& text) override;
+    std::string editResponse(const std::string& actor, const std::string& topic,
+                             const std::string& text) override;
     LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings& settings) override;

@@ -91,7 +91,8 @@ public:
         value(v);
     }
     // A sub-record holding the fields a layout lists.
-    template <class T, class Layout> void writeFields(Tag t, std::int32_t size, const T& block, Layout layout) {
+    template <class T, class Layout>
+    void writeFields(Tag t, std::int32_t size, const T& block, Layout layout) {
         sub(t, size);
         layout(block, [this](const auto&... f) { fields(f...); });
     }

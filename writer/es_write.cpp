@@ -16,7 +16,8 @@ namespace {
 
 std::string upperExtension(const std::string& path) {
     std::string ext = path.size() > 3 ? path.substr(path.size() - 3) : path;
-    for (char& c : ext) c = char(std::toupper(static_cast<unsigned char>(c)));
+    for (char& c : ext)
+        c = char(std::toupper(static_cast<unsigned char>(c)));
     return ext;
 }
 
@@ -25,7 +26,8 @@ std::string upperExtension(const std::string& path) {
 std::size_t estimatedSize(RecordStore& store) {
     std::size_t total = 0;
     store.forEachArray([&](const auto& array) {
-        for (const auto& r : array) total += 16 + std::size_t(r.Size > 0 ? r.Size : 0);
+        for (const auto& r : array)
+            total += 16 + std::size_t(r.Size > 0 ? r.Size : 0);
     });
     std::size_t limit = store.source ? store.source->size() : std::size_t(1) << 20;
     return std::min(total, limit) + 64;
@@ -46,25 +48,28 @@ namespace {
 void serialiseInto(ByteSink& out, RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
                    Prompts& prompts) {
     WriteState state{store, prompts, recordCount, fileType, indexResponses(store.INFO)};
-#define QUILLON_WRITE(T, Record, read, write, ...)                                                                    \
-    for (const Record& r : store.T) write(out, r, state);
+#define QUILLON_WRITE(T, Record, read, write, ...)                                                           \
+    for (const Record& r : store.T)                                                                          \
+        write(out, r, state);
     QUILLON_RECORD_TYPES(QUILLON_WRITE)
 #undef QUILLON_WRITE
-    for (const RawRecord& r : store.Unknown) writeUnknown(out, r);
+    for (const RawRecord& r : store.Unknown)
+        writeUnknown(out, r);
     out.finish();
 }
 
 } // namespace
 
-Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts,
-                            bool repairing) {
+Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
+                            Prompts& prompts, bool repairing) {
     ByteSink out(repairing, &store.editNotes);
     out.bytes().reserve(estimatedSize(store));
     serialiseInto(out, store, recordCount, fileType, prompts);
     return {std::move(out.bytes()), out.damaged()};
 }
 
-std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts) {
+std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
+                           Prompts& prompts) {
     return serialiseChecked(store, recordCount, fileType, prompts, false).bytes;
 }
 
@@ -79,14 +84,16 @@ bool framesThroughout(std::string_view bytes) {
     return p == bytes.size();
 }
 
-WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount, Prompts& prompts) {
+WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount,
+                        Prompts& prompts) {
     using Clock = std::chrono::steady_clock;
     std::int32_t fileType = fileTypeFor(path);
     if (fileType == 32 &&
-        prompts.ask({QuestionId::WriteSavegame},
-                    "Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
-                    "unusable file. Are you sure you want to continue?",
-                    false) != Reply::Yes)
+        prompts.ask(
+            {QuestionId::WriteSavegame},
+            "Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
+            "unusable file. Are you sure you want to continue?",
+            false) != Reply::Yes)
         return {WriteResult::Declined, 0, {}};
     Clock::time_point start = Clock::now();
     // Written straight to a temporary file as it is made; replacing the target waits for the check.

@@ -29,10 +29,11 @@ struct Serialised {
 // Serialises the whole store in the file's fixed type order; recordCount (the header included)
 // goes into the header. The store's CurrentTopic ends as the last topic written. When repairing,
 // damaged records are written so that they frame, and none is reported.
-Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts,
-                            bool repairing);
+Serialised serialiseChecked(RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
+                            Prompts& prompts, bool repairing);
 // The bytes alone, exactly as the format's rules give them.
-std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType, Prompts& prompts);
+std::string serialiseStore(RecordStore& store, std::int32_t recordCount, std::int32_t fileType,
+                           Prompts& prompts);
 
 // True when the records of bytes follow one another exactly as their Size words say, to the end:
 // a check of written bytes that knows nothing of the writers (the fuzzers and tests use it).
@@ -41,6 +42,7 @@ bool framesThroughout(std::string_view bytes);
 // Writes the store to path. Asks first for a savegame (declining writes nothing); output that
 // would be damaged is named and written only as the user chooses. The old file survives any
 // failure.
-WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount, Prompts& prompts);
+WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount,
+                        Prompts& prompts);
 
 } // namespace quillon

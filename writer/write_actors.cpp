@@ -16,18 +16,26 @@ void writeDestination(ByteSink& out, const TravelDestination& d) {
 }
 
 void writeInventoryAndSpells(ByteSink& out, const ActorLists& a) {
-    for (const InventoryItem& e : a.Inventory) writeInventoryItem(out, e);
-    for (const SpellEntry& e : a.Spells) writeSpell(out, e);
+    for (const InventoryItem& e : a.Inventory)
+        writeInventoryItem(out, e);
+    for (const SpellEntry& e : a.Spells)
+        writeSpell(out, e);
 }
 
 // Destinations and packages; escort packages are written before follow packages.
 void writeTravelAndPackages(ByteSink& out, const ActorLists& a) {
-    for (const TravelDestination& d : a.Destinations) writeDestination(out, d);
-    for (const WanderPackage& p : a.Wander) out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander);
-    for (const TravelPackage& p : a.Travel) out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel);
-    for (const FollowPackage& p : a.Escort) writeFollow(out, tag("AI_E"), p);
-    for (const FollowPackage& p : a.Follow) writeFollow(out, tag("AI_F"), p);
-    for (const ActivatePackage& p : a.Activate) out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate);
+    for (const TravelDestination& d : a.Destinations)
+        writeDestination(out, d);
+    for (const WanderPackage& p : a.Wander)
+        out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander);
+    for (const TravelPackage& p : a.Travel)
+        out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel);
+    for (const FollowPackage& p : a.Escort)
+        writeFollow(out, tag("AI_E"), p);
+    for (const FollowPackage& p : a.Follow)
+        writeFollow(out, tag("AI_F"), p);
+    for (const ActivatePackage& p : a.Activate)
+        out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate);
 }
 
 // The header and NAME; false for a deleted actor, which has nothing more.

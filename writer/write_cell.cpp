@@ -73,7 +73,8 @@ void writeCell(ByteSink& out, const CellRecord& r, WriteState& state) {
     out.writeUOpt(tag("NAM8"), r.NAM8Size, r.NAM8);
     if (r.MPCD[0] != 0) {
         out.sub(tag("MPCD"), r.MPCD[0]); // the size word, then three values
-        for (std::size_t i = 1; i < r.MPCD.size(); ++i) out.int32(r.MPCD[i]);
+        for (std::size_t i = 1; i < r.MPCD.size(); ++i)
+            out.int32(r.MPCD[i]);
     }
     out.writeVOpt(tag("WHGT"), r.WHGTSize, r.WHGT);
     if (r.AMBISize != 0) out.writeFields(tag("AMBI"), r.AMBISize, r, layout::ambientLight);

@@ -25,7 +25,7 @@ struct WriteState {
     TopicIndex topics = {};
 };
 
-#define QUILLON_DECLARE_WRITER(T, Record, read, write, ...)                                                           \
+#define QUILLON_DECLARE_WRITER(T, Record, read, write, ...)                                                  \
     void write(ByteSink& out, const Record& r, WriteState& state);
 QUILLON_RECORD_TYPES(QUILLON_DECLARE_WRITER)
 #undef QUILLON_DECLARE_WRITER
@@ -55,6 +55,8 @@ inline void writeSpell(ByteSink& out, const SpellEntry& e) {
     out.writeFields(tag("NPCS"), e.NPCSSize, e, layout::spell);
 }
 // Effects whose size word is zero were never read and are not written.
-inline void writeEffect(ByteSink& out, const Effect& e) { out.writeVOpt(tag("ENAM"), e.ENAMSize, e.ENAM); }
+inline void writeEffect(ByteSink& out, const Effect& e) {
+    out.writeVOpt(tag("ENAM"), e.ENAMSize, e.ENAM);
+}
 
 } // namespace quillon

@@ -4,7 +4,8 @@ namespace quillon {
 
 TopicIndex indexResponses(const std::vector<InfoRecord>& infos) {
     TopicIndex index;
-    for (std::size_t i = 0; i < infos.size(); ++i) index[infos[i].Topic].push_back(i);
+    for (std::size_t i = 0; i < infos.size(); ++i)
+        index[infos[i].Topic].push_back(i);
     return index;
 }
 
@@ -23,7 +24,8 @@ void writeDial(ByteSink& out, const DialRecord& r, WriteState& state) {
     // matching response, and a response matching no topic is not written.
     auto found = state.topics.find(r.NAME);
     if (found == state.topics.end()) return;
-    for (std::size_t i : found->second) writeInfo(out, state.store.INFO[i]);
+    for (std::size_t i : found->second)
+        writeInfo(out, state.store.INFO[i]);
 }
 
 // Responses are written by their topic, right after it.

@@ -65,7 +65,8 @@ void writeRace(ByteSink& out, const RaceRecord& r, WriteState&) {
     writeNamed(out, tag("RACE"), r, [&] {
         out.writeZ(tag("FNAM"), r.FNAMSize, r.FNAM);
         out.writeV(tag("RADT"), r.RADTSize, r.RADT);
-        for (const SpellEntry& e : r.Powers) writeSpell(out, e);
+        for (const SpellEntry& e : r.Powers)
+            writeSpell(out, e);
         out.writeUOpt(tag("DESC"), r.DESCSize, r.DESC);
     });
 }
@@ -135,7 +136,8 @@ void writeRegn(ByteSink& out, const RegnRecord& r, WriteState&) {
         out.writeU(tag("WEAT"), r.WEATSize, r.WEAT);
         out.writeZOpt(tag("BNAM"), r.BNAMSize, r.BNAM);
         out.writeV(tag("CNAM"), r.CNAMSize, r.CNAM);
-        for (const WeatherSound& s : r.Sounds) out.writeFields(tag("SNAM"), s.SNAMSize, s, layout::weatherSound);
+        for (const WeatherSound& s : r.Sounds)
+            out.writeFields(tag("SNAM"), s.SNAMSize, s, layout::weatherSound);
         out.writeUOpt(tag("WNAM"), r.WNAMSize, r.WNAM);
     });
 }
@@ -145,7 +147,8 @@ void writeBsgn(ByteSink& out, const BsgnRecord& r, WriteState&) {
         out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
         out.writeZOpt(tag("TNAM"), r.TNAMSize, r.TNAM);
         out.writeUOpt(tag("DESC"), r.DESCSize, r.DESC);
-        for (const SpellEntry& e : r.Spells) writeSpell(out, e);
+        for (const SpellEntry& e : r.Spells)
+            writeSpell(out, e);
     });
 }
 

@@ -8,7 +8,7 @@ namespace quillon {
 void writeTes3(ByteSink& out, const Tes3Record& r, WriteState& state) {
     out.header(tag("TES3"), r);
     Tes3Record written = r;
-    written.FileType = state.fileType; // by the target's extension; the stored type is ignored
+    written.FileType = state.fileType;          // by the target's extension; the stored type is ignored
     written.NumRecords = state.recordCount - 1; // the header does not count itself
     out.writeFields(tag("HEDR"), r.HEDRSize, written, layout::fileHeader);
     if (isDeleted(r)) {

@@ -93,7 +93,8 @@ void writeCont(ByteSink& out, const ContRecord& r, WriteState&) {
         out.writeV(tag("FLAG"), r.FLAGSize, r.FLAG);
         out.writeVOpt(tag("INDX"), r.INDXSize, r.INDX);
         out.writeZOpt(tag("SCRI"), r.SCRISize, r.SCRI);
-        for (const InventoryItem& e : r.Inventory) writeInventoryItem(out, e);
+        for (const InventoryItem& e : r.Inventory)
+            writeInventoryItem(out, e);
     });
 }
 
@@ -102,14 +103,16 @@ void writeSpel(ByteSink& out, const SpelRecord& r, WriteState&) {
     writeNamed(out, tag("SPEL"), r, [&] {
         out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
         out.writeV(tag("SPDT"), r.SPDTSize, r.SPDT);
-        for (const Effect& e : r.Effects) writeEffect(out, e);
+        for (const Effect& e : r.Effects)
+            writeEffect(out, e);
     });
 }
 
 void writeEnch(ByteSink& out, const EnchRecord& r, WriteState&) {
     writeNamed(out, tag("ENCH"), r, [&] {
         out.writeV(tag("ENDT"), r.ENDTSize, r.ENDT);
-        for (const Effect& e : r.Effects) writeEffect(out, e);
+        for (const Effect& e : r.Effects)
+            writeEffect(out, e);
     });
 }
 
@@ -185,11 +188,16 @@ void writeAlch(ByteSink& out, const AlchRecord& r, WriteState&) {
         out.writeV(tag("ALDT"), r.ALDTSize, r.ALDT);
         out.writeZOpt(tag("SCRI"), r.SCRISize, r.SCRI);
         out.writeZOpt(tag("TEXT"), r.TEXTSize, r.TEXT); // here TEXT is the icon, zero-terminated
-        for (const Effect& e : r.Effects) writeEffect(out, e);
+        for (const Effect& e : r.Effects)
+            writeEffect(out, e);
     });
 }
 
-void writeLevi(ByteSink& out, const LeviRecord& r, WriteState&) { writeLeveled(out, tag("LEVI"), r, tag("INAM")); }
-void writeLevc(ByteSink& out, const LevcRecord& r, WriteState&) { writeLeveled(out, tag("LEVC"), r, tag("CNAM")); }
+void writeLevi(ByteSink& out, const LeviRecord& r, WriteState&) {
+    writeLeveled(out, tag("LEVI"), r, tag("INAM"));
+}
+void writeLevc(ByteSink& out, const LevcRecord& r, WriteState&) {
+    writeLeveled(out, tag("LEVC"), r, tag("CNAM"));
+}
 
 } // namespace quillon
