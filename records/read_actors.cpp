@@ -48,16 +48,13 @@ bool readActorPart(ByteCursor& in, Tag t, RecordHeader& r, ActorLists& a) {
 
 void readNpc(ByteCursor& in, NpcRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
         case tag("RNAM"): readZ(in, r.RNAMSize, r.RNAM); return true;
         case tag("CNAM"): readZ(in, r.CNAMSize, r.CNAM); return true;
         case tag("ANAM"): readZ(in, r.ANAMSize, r.ANAM); return true;
         case tag("BNAM"): readZ(in, r.BNAMSize, r.BNAM); return true;
         case tag("KNAM"): readZ(in, r.KNAMSize, r.KNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("NPDT"):
             // 12 bytes for an auto-calculated NPC; any other size is taken as the full 52.
             in.skip(4);
@@ -74,12 +71,9 @@ void readNpc(ByteCursor& in, NpcRecord& r, RecordStore&) {
 
 void readCrea(ByteCursor& in, CreaRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
         case tag("CNAM"): readZ(in, r.CNAMSize, r.CNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("NPDT"): readV(in, r.NPDTSize, r.NPDT); return true;
         case tag("XSCL"): readV(in, r.XSCLSize, r.XSCL); return true;
         default: return readActorPart(in, t, r, r);

@@ -79,8 +79,11 @@ inline void readEffect(ByteCursor& in, Effect& e) {
     readV(in, e.ENAMSize, e.ENAM);
 }
 
-// NAME, MODL, FNAM, SCRI and ITEX, shared by most object records; false for any other tag.
-inline bool readObjectText(ByteCursor& in, Tag t, ObjectTexts& o) {
+// NAME, MODL, FNAM, SCRI and (for records that carry one) ITEX, shared by most object records;
+// false for any other tag.
+enum class WithIcon { Yes, No };
+inline bool readObjectText(ByteCursor& in, Tag t, ObjectTexts& o, WithIcon icon = WithIcon::Yes) {
+    if (t == tag("ITEX") && icon == WithIcon::No) return false;
     switch (t) {
     case tag("NAME"): readZ(in, o.NAMESize, o.NAME); return true;
     case tag("MODL"): readZ(in, o.MODLSize, o.MODL); return true;

@@ -90,11 +90,8 @@ void readLeveled(ByteCursor& in, LeviRecord& r, Tag entryTag) {
 
 void readDoor(ByteCursor& in, DoorRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("SNAM"): readZ(in, r.SNAMSize, r.SNAM); return true;
         case tag("ANAM"): readZ(in, r.ANAMSize, r.ANAM); return true;
         case tag("DELE"): return readDele(in, r);
@@ -113,12 +110,9 @@ void readWeap(ByteCursor& in, WeapRecord& r, RecordStore&) {
 
 void readCont(ByteCursor& in, ContRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
         case tag("INDX"): readV(in, r.INDXSize, r.INDX); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("CNDT"): readV(in, r.CNDTSize, r.CNDT); return true;
         case tag("FLAG"): readV(in, r.FLAGSize, r.FLAG); return true;
         case tag("NPCO"): readInventoryItem(in, r.Inventory.emplace_back()); return true;
@@ -186,11 +180,8 @@ void readRepa(ByteCursor& in, RepaRecord& r, RecordStore&) {
 
 void readActi(ByteCursor& in, ActiRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("DELE"): return readDele(in, r);
         default: return false;
         }
@@ -225,11 +216,8 @@ void readBook(ByteCursor& in, BookRecord& r, RecordStore&) {
 
 void readAlch(ByteCursor& in, AlchRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
+        if (readObjectText(in, t, r, WithIcon::No)) return true;
         switch (t) {
-        case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
-        case tag("MODL"): readZ(in, r.MODLSize, r.MODL); return true;
-        case tag("FNAM"): readZ(in, r.FNAMSize, r.FNAM); return true;
-        case tag("SCRI"): readZ(in, r.SCRISize, r.SCRI); return true;
         case tag("TEXT"): readZ(in, r.TEXTSize, r.TEXT); return true;
         case tag("ALDT"): readV(in, r.ALDTSize, r.ALDT); return true;
         case tag("ENAM"): readEffect(in, r.Effects.emplace_back()); return true;

@@ -65,13 +65,8 @@ struct ActorLists {
     i32 INDX = 0;
 };
 
-struct NpcRecord : RecordHeader, ActorLists {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
-    i32 FNAMSize = 0;
-    std::string FNAM;
+// The icon of the shared texts stays empty: actors carry none.
+struct NpcRecord : RecordHeader, ObjectTexts, ActorLists {
     i32 RNAMSize = 0;
     std::string RNAM;
     i32 CNAMSize = 0;
@@ -82,24 +77,14 @@ struct NpcRecord : RecordHeader, ActorLists {
     std::string BNAM;
     i32 KNAMSize = 0;
     std::string KNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
     i32 NPDTSize = 0;
     Bytes<52> NPDT{};
     Bytes<12> NPDTShort{};
 };
 
-struct CreaRecord : RecordHeader, ActorLists {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
-    i32 FNAMSize = 0;
-    std::string FNAM;
+struct CreaRecord : RecordHeader, ObjectTexts, ActorLists {
     i32 CNAMSize = 0;
     std::string CNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
     i32 NPDTSize = 0;
     Bytes<96> NPDT{};
     i32 XSCLSize = 0;

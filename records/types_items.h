@@ -8,15 +8,8 @@
 
 namespace quillon {
 
-struct DoorRecord : RecordHeader {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
-    i32 FNAMSize = 0;
-    std::string FNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
+// The icon of the shared texts stays empty: doors, containers, activators and potions carry none.
+struct DoorRecord : RecordHeader, ObjectTexts {
     i32 SNAMSize = 0;
     std::string SNAM;
     i32 ANAMSize = 0;
@@ -35,17 +28,9 @@ struct WeapRecord : RecordHeader, ObjectTexts {
     Bytes<32> WPDT{};
 };
 
-struct ContRecord : RecordHeader {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
+struct ContRecord : RecordHeader, ObjectTexts {
     i32 INDXSize = 0;
     i32 INDX = 0;
-    i32 FNAMSize = 0;
-    std::string FNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
     i32 CNDTSize = 0;
     Bytes<4> CNDT{};
     i32 FLAGSize = 0;
@@ -115,16 +100,7 @@ using LockRecord = RepaRecord;
 
 using ProbRecord = RepaRecord;
 
-struct ActiRecord : RecordHeader {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
-    i32 FNAMSize = 0;
-    std::string FNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
-};
+struct ActiRecord : RecordHeader, ObjectTexts {};
 
 struct AppaRecord : RecordHeader, ObjectTexts {
     i32 AADTSize = 0;
@@ -146,15 +122,7 @@ struct BookRecord : RecordHeader, ObjectTexts {
     std::string ENAM;
 };
 
-struct AlchRecord : RecordHeader {
-    i32 NAMESize = 0;
-    std::string NAME;
-    i32 MODLSize = 0;
-    std::string MODL;
-    i32 FNAMSize = 0;
-    std::string FNAM;
-    i32 SCRISize = 0;
-    std::string SCRI;
+struct AlchRecord : RecordHeader, ObjectTexts {
     i32 TEXTSize = 0;
     std::string TEXT; // the icon path
     i32 ALDTSize = 0;

@@ -64,8 +64,7 @@ void writeLeveled(ByteSink& out, Tag t, const LeviRecord& r, Tag entryTag) {
 
 void writeDoor(ByteSink& out, const DoorRecord& r, WriteState&) {
     writeNamed(out, tag("DOOR"), r, [&] {
-        out.writeZ(tag("MODL"), r.MODLSize, r.MODL);
-        out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
+        writeItemStart(out, r);
         out.writeZOpt(tag("SCRI"), r.SCRISize, r.SCRI);
         out.writeZOpt(tag("SNAM"), r.SNAMSize, r.SNAM);
         out.writeZOpt(tag("ANAM"), r.ANAMSize, r.ANAM);
@@ -87,8 +86,7 @@ void writeWeap(ByteSink& out, const WeapRecord& r, WriteState&) {
 
 void writeCont(ByteSink& out, const ContRecord& r, WriteState&) {
     writeNamed(out, tag("CONT"), r, [&] {
-        out.writeZ(tag("MODL"), r.MODLSize, r.MODL);
-        out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
+        writeItemStart(out, r);
         out.writeV(tag("CNDT"), r.CNDTSize, r.CNDT);
         out.writeV(tag("FLAG"), r.FLAGSize, r.FLAG);
         out.writeVOpt(tag("INDX"), r.INDXSize, r.INDX);
@@ -146,8 +144,7 @@ void writeRepa(ByteSink& out, const RepaRecord& r, WriteState&) {
 
 void writeActi(ByteSink& out, const ActiRecord& r, WriteState&) {
     writeNamed(out, tag("ACTI"), r, [&] {
-        out.writeZ(tag("MODL"), r.MODLSize, r.MODL);
-        out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
+        writeItemStart(out, r);
         out.writeZOpt(tag("SCRI"), r.SCRISize, r.SCRI);
     });
 }
@@ -183,8 +180,7 @@ void writeBook(ByteSink& out, const BookRecord& r, WriteState&) {
 
 void writeAlch(ByteSink& out, const AlchRecord& r, WriteState&) {
     writeNamed(out, tag("ALCH"), r, [&] {
-        out.writeZ(tag("MODL"), r.MODLSize, r.MODL);
-        out.writeZOpt(tag("FNAM"), r.FNAMSize, r.FNAM);
+        writeItemStart(out, r);
         out.writeV(tag("ALDT"), r.ALDTSize, r.ALDT);
         out.writeZOpt(tag("SCRI"), r.SCRISize, r.SCRI);
         out.writeZOpt(tag("TEXT"), r.TEXTSize, r.TEXT); // here TEXT is the icon, zero-terminated
