@@ -32,6 +32,10 @@ public:
         if (remaining() >= 4) std::memcpy(&t, data_ + pos_, 4);
         return t;
     }
+    // Up to n bytes from the read position, not taken.
+    std::string_view ahead(std::size_t n) const {
+        return {reinterpret_cast<const char*>(data_ + pos_), n < remaining() ? n : remaining()};
+    }
     // True when the next tag is t; nothing is taken.
     bool nextIs(Tag t) const { return peekTag() == t; }
 

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 namespace quillon {
@@ -20,16 +21,18 @@ double msSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-// Sizes every array from a walk of the record headers, so that they do not grow by copying while
-// the file is read. A file whose sizes mislead gets smaller arrays that then grow as usual.
-void reserveArrays(RecordStore& store, const std::string& bytes) {
-    enum : std::size_t {
+enum TypeIndex : std::size_t {
 #define QUILLON_INDEX(T, ...) k##T,
-        QUILLON_RECORD_TYPES(QUILLON_INDEX)
+    QUILLON_RECORD_TYPES(QUILLON_INDEX)
 #undef QUILLON_INDEX
-            kTypes
-    };
-    std::array<std::size_t, kTypes> counts{};
+        kTypes
+};
+using TypeCounts = std::array<std::size_t, kTypes>;
+
+// The records of each type, from a walk of the record headers. A file whose sizes mislead gives
+// smaller counts, and its arrays then grow as usual.
+TypeCounts countRecords(const std::string& bytes) {
+    TypeCounts counts{};
     for (std::size_t p = 0; p + 16 <= bytes.size();) {
         Tag t;
         std::int32_t size;
@@ -45,6 +48,22 @@ void reserveArrays(RecordStore& store, const std::string& bytes) {
         }
         p += 16 + std::size_t(size);
     }
+    return counts;
+}
+
+// A file of many tiny records would take memory far beyond its bytes, each record becoming a
+// structure of all its possible fields. Such a file is refused as too large for memory before the
+// store is touched, so that the records open before stay.
+void refuseIfOversized(const TypeCounts& counts, std::size_t fileSize) {
+    std::size_t structures = 0;
+#define QUILLON_STRUCTURES(T, Record, ...) structures += counts[k##T] * sizeof(Record);
+    QUILLON_RECORD_TYPES(QUILLON_STRUCTURES)
+#undef QUILLON_STRUCTURES
+    if (structures > 8 * fileSize + (std::size_t(64) << 20)) throw std::bad_alloc();
+}
+
+// Sizes every array at once, so that they do not grow by copying while the file is read.
+void reserveArrays(RecordStore& store, const TypeCounts& counts) {
 #define QUILLON_RESERVE(T, ...) store.T.reserve(counts[k##T]);
     QUILLON_RECORD_TYPES(QUILLON_RESERVE)
 #undef QUILLON_RESERVE
@@ -136,11 +155,13 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
                     Prompts& prompts, ReadDiagnostics* diagnostics) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
+    TypeCounts counts = countRecords(bytes);
+    refuseIfOversized(counts, bytes.size());
     ClearRecords(store);
     auto source = std::make_shared<const std::string>(std::move(bytes));
     store.source = source;
     std::size_t size = source->size();
-    reserveArrays(store, *source);
+    reserveArrays(store, counts);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
     // A record needs more than its tag: four bytes or fewer left over are passed over.
     while (!in.failed() && in.remaining() > 4) {

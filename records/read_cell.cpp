@@ -1,5 +1,8 @@
 #include "records/read_common.h"
 
+#include <cstring>
+#include <new>
+
 namespace quillon {
 
 namespace {
@@ -97,9 +100,32 @@ void readMovedReference(ByteCursor& in, CellReference& ref) {
     }
 }
 
+// The references of the cell whose tag is at the read position, counted from the FRMR
+// sub-records within its size. A cell whose references would take memory far beyond its bytes
+// (references of an FRMR alone, 12 bytes each) is refused as too large for memory.
+std::size_t countReferences(const ByteCursor& in) {
+    std::string_view header = in.ahead(16);
+    if (header.size() < 16) return 0;
+    std::int32_t size;
+    std::memcpy(&size, header.data() + 4, 4);
+    std::string_view body = in.ahead(16 + std::size_t(size > 0 ? size : 0)).substr(16);
+    std::size_t references = 0;
+    for (std::size_t p = 0; p + 8 <= body.size();) {
+        std::int32_t subSize;
+        std::memcpy(&subSize, body.data() + p + 4, 4);
+        if (body.compare(p, 4, "FRMR") == 0) ++references;
+        if (subSize < 0) break;
+        p += 8 + std::size_t(subSize);
+    }
+    if (references * sizeof(CellReference) > 8 * body.size() + (std::size_t(64) << 20))
+        throw std::bad_alloc();
+    return references;
+}
+
 } // namespace
 
 void readCell(ByteCursor& in, CellRecord& r, RecordStore&) {
+    r.References.reserve(countReferences(in));
     bool pastNam0 = false;
     auto newReference = [&]() -> CellReference& {
         CellReference& ref = r.References.emplace_back();
