@@ -5,6 +5,7 @@
 #include "cleanup/text_rules.h"
 #include "cli/arguments.h"
 #include "cli/cli_dialogs.h"
+#include "cli/context.h"
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 
@@ -20,16 +21,31 @@ const char* const kUsage = R"(usage: quillon COMMAND [ARGUMENTS]
        quillon --version
 
 Commands:
-  counts FILE                      open FILE; print its log lines and the 57 record counts
+  counts FILE...                   open each FILE; print its log lines and the 57 record counts
+                                   (prefixed by the file's name when there are several)
   save FILE [-o OUT] [--repair|--force] [--yes|--no]
                                    open FILE and save it back (or to OUT)
   export-dialogue FILE -o OUT.txt  every response of FILE to a text file (four quoted lines each)
   import-dialogue FILE IN.txt -o OUT [--remove-line-breaks] [--long=trim|cancel]
                                    put the edited responses of IN.txt back and save as OUT; a
-                                   response over 512 characters stops the import unless --long
-                                   says to trim it (trim) or to trim it and all later ones (cancel)
-  loops FILE [--fail-on-loop]      list responses whose result script offers again the choice
-                                   that shows them; --fail-on-loop exits 1 when any is found
+                                   response over 512 characters stops the import (every one is
+                                   named, nothing is written) unless --long says to trim it (trim)
+                                   or to trim it and all later ones (cancel)
+  loops FILE... [--fail-on-loop]   list responses whose result script offers again the choice
+                                   that shows them, with the script line as written;
+                                   --fail-on-loop exits 1 when any is found
+  check FILE... [--json] [--only KINDS] [OPTIONS]
+                                   change nothing; list what a writer should look at, one line
+                                   each: FILE: KIND: INFO ID (topic "T", actor "A"): detail. KINDS
+                                   (comma-separated): loop, choice (a choice no response answers),
+                                   topic (AddTopic of no topic of the file or of its masters found
+                                   beside it), master (not found), long (over 512 characters),
+                                   style (what the clean-up with OPTIONS would change), damage (a
+                                   record Save would write damaged), unknown (a record of unknown
+                                   type). Exit 0 with no findings, 1 with findings
+  diff-dialogue OLD NEW [--json]   the responses added, removed and changed (text, topic, actor,
+                                   result script, conditions) between two files, by INFO ID; exit
+                                   0 when they are equal, 1 when they differ
   quotes FILE --city NAME --format xml|kst -o OUT [--ask-names]
                                    the quotes of every response with an actor; speaker names
                                    holding "_" are kept unless --ask-names asks for each
@@ -38,9 +54,10 @@ Commands:
                                    a response that would grow past 512 characters keeps its text
                                    and is listed
   morrowindize-text [OPTIONS]      clean each line of standard input as one response
-  npc-list FILE --cell TEXT [--format text|phpbb|html] [--no-clones] -o OUT
+  npc-list FILE --cell TEXT [--format text|phpbb|html|csv] [--no-clones] -o OUT
                                    the NPCs placed in every cell whose name holds TEXT (any case),
-                                   as a work sheet; --no-clones leaves out guards and the like
+                                   as a work sheet (csv: one UTF-8 row per NPC for spreadsheets);
+                                   --no-clones leaves out guards and the like
 
 Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
   --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
@@ -59,35 +76,27 @@ Every command that saves a data file (save, import-dialogue, morrowindize) takes
 Log lines go to standard error. Exit status: 0 success, 1 failure, 2 bad usage.
 )";
 
-struct Context {
-    const Arguments& args;
-    std::ostream& out;
-    std::ostream& err;
-    Session session;
-    CliDialogs dialogs;
-};
-
-// A failure exits with 1; a command that declined did what the answers given asked for.
-int exitStatus(const Outcome& outcome) {
-    return outcome.isFailed() ? 1 : 0;
-}
-
 using Handler = std::function<int(Context&)>;
 
 struct Command {
     const char* name;
-    std::size_t positional; // how many positional arguments it needs
+    std::size_t positional; // how many positional arguments it needs (at least, for a list of files)
     std::set<std::string> flags;
     std::set<std::string> valued;
     Handler run;
     std::set<std::string> required = {}; // valued options that must be given
+    bool fileList = false;               // takes one file or more
 };
 
 int countsCommand(Context& c) {
-    Outcome opened = openPath(c.session, c.dialogs, c.args.positional[0]);
-    for (std::size_t i = 0; i < kCountLabels; ++i)
-        c.out << countCaption(i) << ' ' << c.session.counts.shown[i] << '\n';
-    return opened.isDone() ? 0 : 1;
+    bool several = c.args.positional.size() > 1, allRead = true;
+    for (const std::string& path : c.args.positional) {
+        allRead = openPath(c.session, c.dialogs, path).isDone() && allRead;
+        for (std::size_t i = 0; i < kCountLabels; ++i)
+            c.out << (several ? forTerminal(path) + ": " : "") << countCaption(i) << ' '
+                  << c.session.counts.shown[i] << '\n';
+    }
+    return allRead ? 0 : 1;
 }
 
 // Opens FILE; false when it was not read whole.
@@ -114,40 +123,28 @@ int importCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     bool removeBreaks = c.args.has("--remove-line-breaks");
+    std::vector<std::string> tooLong; // without --long, every one is named and nothing is written
     c.dialogs.answer = [&](const Question& what) {
         if (what.id == QuestionId::RemoveLineBreaks) return removeBreaks ? Answer::Yes : Answer::No;
-        if (longMode == "trim") return Answer::No;
         if (longMode == "cancel") return Answer::Cancel;
-        throw CliError("response \"" + what.subject +
-                       "\" is longer than 512 characters; shorten it in the text file or add --long=trim");
+        if (longMode.empty()) tooLong.push_back(what.subject);
+        return Answer::No;
     };
     if (importDialogueFrom(c.session, c.dialogs, c.args.positional[1]).isFailed()) return 1;
-    return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
-}
-
-int loopsCommand(Context& c) {
-    if (!openInput(c)) return 1;
-    int found = 0;
-    // Every finding of one script and choice names the same line: the script (the record's own
-    // text, which the command line never changes) is parsed once.
-    const std::string* parsedScript = nullptr;
-    std::int32_t parsedChoice = 0;
-    std::vector<std::string> lines;
-    c.dialogs.loopFix = [&](const std::string& actor, const std::string& topic, const std::string& text,
-                            const std::string& result, std::int32_t choice) {
-        ++found;
-        if (&result != parsedScript || choice != parsedChoice) {
-            lines = linesOfferingChoice(result, choice);
-            parsedScript = &result;
-            parsedChoice = choice;
-        }
-        c.out << forTerminal("actor \"" + actor + "\", topic \"" + topic + "\", choice " +
-                             std::to_string(choice) + ": " + (lines.empty() ? std::string() : lines.front()))
+    for (const std::string& id : tooLong) {
+        const InfoRecord* r = nullptr;
+        for (const InfoRecord& info : c.session.store.INFO)
+            if (info.INAM == id) r = &info;
+        c.err << "quillon: "
+              << forTerminal("response \"" + id + "\" is longer than 512 characters" +
+                             (r ? " (topic \"" + r->Topic + "\", actor \"" + r->ONAM + "\")" : std::string()))
               << '\n';
-        return LoopFix{2, text, result};
-    };
-    if (DetectLoops(c.session, c.dialogs).isFailed()) return 1;
-    return found > 0 && c.args.has("--fail-on-loop") ? 1 : 0;
+    }
+    if (!tooLong.empty()) {
+        c.err << "quillon: shorten them in the text file or add --long=trim; nothing has been written\n";
+        return 1;
+    }
+    return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
 }
 
 int quotesCommand(Context& c) {
@@ -181,33 +178,20 @@ std::set<std::string> kCleanupOptionsWith(std::set<std::string> more) {
     return more;
 }
 
-CleanupSettings cleanupSettings(const Arguments& args) {
-    bool all = args.has("--all");
-    auto on = [&](const char* flag) { return all || args.has(flag); };
-    CleanupSettings s;
-    s.isLineBreaks = on("--line-breaks");
-    s.isAmerican = on("--american");
-    s.isSentences = on("--sentences");
-    s.isSpaceQuotes = on("--space-quotes");
-    s.isSlang = on("--slang");
-    s.isTemple = on("--temple");
-    s.isDashes = on("--dashes");
-    s.isEllipsis = on("--ellipsis");
-    s.isSquare = on("--square");
-    s.isDashSpaces = on("--dash-spaces");
-    return s;
-}
-
 int morrowindizeCommand(Context& c) {
     if (!openInput(c)) return 1;
     c.session.settings = cleanupSettings(c.args);
     // An over-long result is "edited" into itself, which keeps the original text; this way the
     // command line learns whose response it was.
-    c.dialogs.answer = [](const Question&) { return Answer::Yes; };
+    std::string id; // the response the last question was about
+    c.dialogs.answer = [&](const Question& what) {
+        id = what.subject;
+        return Answer::Yes;
+    };
     c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
         c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" +
-                             topic + "\": cleaned it would be " + std::to_string(text.size()) +
-                             " characters long")
+                             topic + "\" (INFO " + id + "): cleaned it would be " +
+                             std::to_string(text.size()) + " characters long")
               << '\n';
         return text;
     };
@@ -233,8 +217,10 @@ int npcListCommand(Context& c) {
         format = NpcListFormat::PhpBB;
     else if (name == "html")
         format = NpcListFormat::Html;
+    else if (name == "csv")
+        format = NpcListFormat::Csv;
     else if (name != "text") {
-        c.err << "quillon npc-list: --format takes text, phpbb or html\n";
+        c.err << "quillon npc-list: --format takes text, phpbb, html or csv\n";
         return 2;
     }
     if (!openInput(c)) return 1;
@@ -253,7 +239,7 @@ std::set<std::string> withWriteOptions(std::set<std::string> more) {
 
 const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
-        {"counts", 1, {"--help"}, {"--unknown"}, countsCommand},
+        {"counts", 1, {"--help"}, {"--unknown"}, countsCommand, {}, true},
         {"save", 1, kWriteOptions, {"--unknown", "-o"}, saveCommand},
         {"export-dialogue", 1, {"--help"}, {"--unknown", "-o"}, exportCommand, {"-o"}},
         {"import-dialogue",
@@ -262,7 +248,9 @@ const std::vector<Command>& commands() {
          {"--unknown", "-o", "--long"},
          importCommand,
          {"-o"}},
-        {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand},
+        {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand, {}, true},
+        {"check", 1, kCleanupOptionsWith({"--json"}), {"--unknown", "--only"}, checkCommand, {}, true},
+        {"diff-dialogue", 2, {"--help", "--json"}, {"--unknown"}, diffDialogueCommand},
         {"morrowindize",
          1,
          kCleanupOptionsWith(kWriteOptions),
@@ -321,7 +309,9 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         }
         for (const std::string& option : command.required)
             if (parsed.error.empty() && parsed.value(option).empty()) parsed.error = option + " is needed";
-        if (!parsed.error.empty() || parsed.positional.size() != command.positional) {
+        bool countOk = command.fileList ? parsed.positional.size() >= command.positional
+                                        : parsed.positional.size() == command.positional;
+        if (!parsed.error.empty() || !countOk) {
             err << "quillon " << command.name << ": "
                 << (parsed.error.empty() ? "wrong number of arguments" : parsed.error) << "\n\n"
                 << kUsage;
@@ -358,6 +348,23 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     }
     err << "quillon: unknown command \"" << args[0] << "\"\n\n" << kUsage;
     return 2;
+}
+
+CleanupSettings cleanupSettings(const Arguments& args) {
+    bool all = args.has("--all");
+    auto on = [&](const char* flag) { return all || args.has(flag); };
+    CleanupSettings s;
+    s.isLineBreaks = on("--line-breaks");
+    s.isAmerican = on("--american");
+    s.isSentences = on("--sentences");
+    s.isSpaceQuotes = on("--space-quotes");
+    s.isSlang = on("--slang");
+    s.isTemple = on("--temple");
+    s.isDashes = on("--dashes");
+    s.isEllipsis = on("--ellipsis");
+    s.isSquare = on("--square");
+    s.isDashSpaces = on("--dash-spaces");
+    return s;
 }
 
 } // namespace quillon

@@ -1,5 +1,5 @@
-#include "app/text.h"
 #include "dialogue/dialogue_commands.h"
+#include "dialogue/result_scripts.h"
 
 #include "app/error_numbers.h"
 
@@ -8,50 +8,11 @@
 
 namespace quillon {
 
-namespace {
-
-// A function condition on the choice function, with any comparison but not-equal.
-bool isChoiceCondition(const InfoCondition& c) {
-    return c.Type == '1' && c.Function[0] == '5' && c.Function[1] == '0' && c.Comparison != '1';
-}
-
-// The script as lines to match: two blanks to one (one pass, so three become two), commas gone,
-// comments cut off.
-std::vector<std::string> scriptLines(const std::string& script) {
-    std::string text;
-    text.reserve(script.size());
-    for (std::size_t i = 0; i < script.size(); ++i) {
-        if (script[i] == ' ' && i + 1 < script.size() && script[i + 1] == ' ') {
-            text += ' ';
-            ++i;
-        } else if (script[i] != ',') {
-            text += script[i];
-        }
-    }
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (std::size_t at; (at = text.find("\r\n", start)) != std::string::npos; start = at + 2)
-        lines.push_back(text.substr(start, at - start));
-    lines.push_back(text.substr(start));
-    for (std::string& line : lines)
-        if (std::size_t semicolon = line.find(';'); semicolon != std::string::npos)
-            line = trimBlanks(line.substr(0, semicolon));
-    return lines;
-}
-
-// The choice offered last on the line, or followed by further choices.
-bool offersChoice(const std::string& line, std::int32_t choice) {
-    std::string number = std::to_string(choice);
-    return wildcardMatch(line, "*Choice \"*\" " + number) ||
-           wildcardMatch(line, "*Choice \"*\" " + number + " *");
-}
-
-} // namespace
-
 std::vector<std::string> linesOfferingChoice(const std::string& script, std::int32_t choice) {
     std::vector<std::string> found;
-    for (const std::string& line : scriptLines(script))
-        if (offersChoice(line, choice)) found.push_back(line);
+    std::vector<std::string> lines = scriptLines(script), written = writtenLines(script);
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        if (offersChoice(lines[i], choice)) found.push_back(written[i]);
     return found;
 }
 

@@ -20,7 +20,7 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
 // Loop detection: responses shown after choice N whose own script offers choice N again.
 Outcome DetectLoops(Session& session, Dialogs& dialogs);
 
-// The lines of a result script, prepared as loop detection reads them, that offer the choice.
+// The lines of a result script, as written, that loop detection finds offering the choice.
 std::vector<std::string> linesOfferingChoice(const std::string& script, std::int32_t choice);
 
 // Quote exports of one city: an XML file, or a Kestrel quote file of 576-byte records.

@@ -1,5 +1,6 @@
 #include "npclist/npc_list.h"
 
+#include "app/encoding.h"
 #include "app/error_numbers.h"
 
 #include "app/text.h"
@@ -21,6 +22,7 @@ const char* const kBreak = "\r\n";
 
 struct Entry {
     std::string name, gender, race, cls, faction;
+    std::string factionId, rank; // the faction apart, for the spreadsheet
 };
 
 // The seven fields of an entry with the colours the work sheet uses for them.
@@ -45,7 +47,9 @@ public:
     }
 
     void cellHeader(const std::string& title) {
+        cell_ = title.substr(0, title.size() - 1); // without its colon
         switch (format_) {
+        case NpcListFormat::Csv: break;
         case NpcListFormat::PhpBB: out_ += title + kBreak + kBreak + "[list]" + kBreak; break;
         case NpcListFormat::PlainText: out_ += title + kBreak + kBreak; break;
         case NpcListFormat::Html:
@@ -56,6 +60,12 @@ public:
     void entry(const Entry& e) {
         std::vector<std::string> v = values(e);
         switch (format_) {
+        case NpcListFormat::Csv:
+            for (const std::string* value : std::initializer_list<const std::string*>{
+                     &cell_, &e.name, &e.gender, &e.race, &e.cls, &e.factionId, &e.rank})
+                out_ += csvField(toUtf8(*value)) + ",";
+            out_ += std::string(",") + kBreak; // description and writer, for the team to fill in
+            break;
         case NpcListFormat::PhpBB:
             out_ += "[*]";
             for (std::size_t i = 0; i < 7; ++i)
@@ -81,11 +91,13 @@ public:
         }
     }
     void cellFooter() {
+        if (format_ == NpcListFormat::Csv) return;
         if (format_ == NpcListFormat::PhpBB) out_ += "[/list]";
         if (format_ == NpcListFormat::Html) out_ += "</ul>";
         out_ += std::string(kBreak) + kBreak + kBreak;
     }
     std::string finish(int count) {
+        if (format_ == NpcListFormat::Csv) return std::move(out_);
         out_ += "Total NPCs: " + std::to_string(count);
         if (format_ == NpcListFormat::Html)
             out_ += std::string(kBreak) + "</body>" + kBreak + "</html>" + kBreak;
@@ -101,7 +113,9 @@ private:
                                            "green", "blue", "purple", "gray"};
         static const char* const html[8] = {"#FFFFFF", "#FF0000", "#FF9933", "#FFFF00",
                                             "#00FF00", "#0066FF", "#800080", "#808080"};
-        if (format_ == NpcListFormat::PhpBB) {
+        if (format_ == NpcListFormat::Csv) {
+            out_ += std::string("cell,name,gender,race,class,faction,rank,description,writer") + kBreak;
+        } else if (format_ == NpcListFormat::PhpBB) {
             out_ += std::string("COLOR CODE:") + kBreak;
             for (int i = 0; i < 8; ++i)
                 out_ += std::string("[color=") + php[i] + "]" + legend[i] + "[/color]" + kBreak;
@@ -125,6 +139,7 @@ private:
     NpcListFormat format_;
     SafeFileWriter* drain_;
     std::string out_;
+    std::string cell_; // the title of the cell being listed
 };
 
 // The factions by folded ID, the first record of an ID winning, as a walk in store order would.
@@ -141,7 +156,11 @@ std::string rankTitle(const FactionIndex& factions, const NpcRecord& npc) {
 
 Entry entryFor(const FactionIndex& factions, const NpcRecord& npc) {
     Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None"};
-    if (npc.ANAM.size() >= 2) e.faction = npc.ANAM + ", " + rankTitle(factions, npc);
+    if (npc.ANAM.size() >= 2) {
+        e.factionId = npc.ANAM;
+        e.rank = rankTitle(factions, npc);
+        e.faction = e.factionId + ", " + e.rank;
+    }
     return e;
 }
 
@@ -215,8 +234,11 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     FileRequest request;
     request.filter = format == NpcListFormat::Html
                          ? "HTML files (*.htm, *.html)|*.htm;*.html|All Files (*.*)| *.*"
-                         : "Text Files (*.txt)|*.txt|All Files (*.*)| *.*";
-    request.defaultExtension = format == NpcListFormat::Html ? ".htm" : ".txt";
+                     : format == NpcListFormat::Csv ? "CSV files (*.csv)|*.csv|All Files (*.*)| *.*"
+                                                    : "Text Files (*.txt)|*.txt|All Files (*.*)| *.*";
+    request.defaultExtension = format == NpcListFormat::Html  ? ".htm"
+                               : format == NpcListFormat::Csv ? ".csv"
+                                                              : ".txt";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");

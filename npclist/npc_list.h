@@ -7,7 +7,8 @@
 
 namespace quillon {
 
-enum class NpcListFormat { PlainText, PhpBB, Html };
+// Csv: one UTF-8 row per NPC under a header row, for spreadsheets.
+enum class NpcListFormat { PlainText, PhpBB, Html, Csv };
 
 // The page the HTML work sheet links to.
 extern const char* const kHomePage;

@@ -77,9 +77,10 @@ TEST(Cli, EveryCommandOnTheSamplePlugin) {
 
     CliRun loops = cli({"loops", sample, "--fail-on-loop"});
     EXPECT_EQ(loops.status, 1);
+    // Named by its ID, with the script line as written (commas kept), once.
     EXPECT_EQ(loops.out,
-              "actor \"ks_fenrick\", topic \"little secret\", choice 2: Choice \"Yes tell me again\" 2 "
-              "\"No thank you\" 3\n");
+              "INFO 11093306851471414733 (topic \"little secret\", actor \"ks_fenrick\"): choice 2 "
+              "offered again: Choice \"Yes, tell me again\" 2 \"No, thank you\" 3\n");
     EXPECT_EQ(cli({"loops", sample}).status, 0);
 
     EXPECT_EQ(cli({"quotes", sample, "--city", "Kestrel", "--format", "kst", "-o", dir.file("q.kst")}).status,
@@ -111,5 +112,5 @@ TEST(Cli, VersionAndACompletionForEveryCommand) {
         EXPECT_NE(commands.find(" " + name + " "), std::string::npos) << name;
         ++listed;
     }
-    EXPECT_EQ(listed, 9);
+    EXPECT_EQ(listed, 11);
 }

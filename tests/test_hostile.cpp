@@ -94,7 +94,8 @@ TEST(Hostile, FilesOfTinyRecordsAreRefusedWithinBoundedMemory) {
     Ended r = runChild({"counts", path}, dir.file("err"), sanitized() ? 0 : rlim_t(512) << 20);
     ASSERT_TRUE(r.exited) << "ended by a signal";
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(r.err.find("quillon: Not enough memory for counts on \"" + path + "\"."), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("quillon: Not enough memory for counts on \"" + path + "\"."), std::string::npos)
+        << r.err;
     if (!sanitized()) EXPECT_LT(r.peakKb, (8 * 32 + 64) * 1024);
 
     RecordStore store = readStore(file(1, {Rec("STAT").z("NAME", "kept").bytes()}));

@@ -1,0 +1,38 @@
+#pragma once
+// What every command of the command line works with, and the helpers they share.
+#include "app/cleanup_settings.h"
+#include "app/outcome.h"
+#include "app/session.h"
+#include "cli/arguments.h"
+#include "cli/cli_dialogs.h"
+
+#include <ostream>
+#include <string>
+
+namespace quillon {
+
+struct Context {
+    const Arguments& args;
+    std::ostream& out;
+    std::ostream& err;
+    Session session;
+    CliDialogs dialogs;
+};
+
+// A failure exits with 1; a command that declined did what the answers given asked for.
+inline int exitStatus(const Outcome& outcome) {
+    return outcome.isFailed() ? 1 : 0;
+}
+// The clean-up switches given as flags (--all for every one).
+CleanupSettings cleanupSettings(const Arguments& args);
+// A response as the command line names it: INFO ID (topic "T", actor "A").
+std::string responseName(const std::string& id, const std::string& topic, const std::string& actor);
+// A text on one line: quoted, its line breaks shown as \r and \n.
+std::string oneLine(const std::string& text);
+
+// The workbench: check, diff-dialogue and the loop list of several files.
+int checkCommand(Context& c);
+int diffDialogueCommand(Context& c);
+int loopsCommand(Context& c);
+
+} // namespace quillon

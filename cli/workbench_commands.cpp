@@ -1,0 +1,168 @@
+// The commands a writing team's nightly build runs: check, diff-dialogue, and the loop list.
+#include "app/encoding.h"
+#include "app/file_commands.h"
+#include "cli/context.h"
+#include "dialogue/dialogue_commands.h"
+#include "workbench/check.h"
+#include "workbench/diff.h"
+#include "writer/es_write.h"
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+namespace quillon {
+
+std::string responseName(const std::string& id, const std::string& topic, const std::string& actor) {
+    return "INFO " + id + " (topic \"" + topic + "\", actor \"" + actor + "\")";
+}
+
+std::string oneLine(const std::string& text) {
+    std::string out = "\"";
+    for (char ch : text) {
+        if (ch == '\r')
+            out += "\\r";
+        else if (ch == '\n')
+            out += "\\n";
+        else
+            out += ch;
+    }
+    return out + "\"";
+}
+
+namespace {
+
+// The kinds --only names; empty with a message when one is not a kind.
+bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostream& err) {
+    std::istringstream in(list);
+    for (std::string kind; std::getline(in, kind, ',');) {
+        if (std::find(std::begin(kFindingKinds), std::end(kFindingKinds), kind) == std::end(kFindingKinds)) {
+            err << "quillon check: --only takes kinds among master, unknown, damage, loop, choice, topic, "
+                   "long "
+                   "and style\n";
+            return false;
+        }
+        kinds.insert(kind);
+    }
+    return true;
+}
+
+std::string findingLine(const std::string& file, const Finding& f) {
+    std::string subject = f.record == "INFO" && f.kind != "master" ? responseName(f.id, f.topic, f.actor)
+                          : f.id.empty()                           ? f.record
+                                                                   : f.record + " \"" + f.id + "\"";
+    std::string data = subject + ": " + f.detail;
+    if (f.kind == "style") data += ": " + oneLine(f.before) + " -> " + oneLine(f.after);
+    return forTerminal(file + ": " + f.kind + ": " + toUtf8(data));
+}
+
+std::string findingJson(const std::string& file, const Finding& f) {
+    std::string json = "{\"file\": " + jsonString(file) + ", \"kind\": " + jsonString(f.kind) +
+                       ", \"record\": " + jsonString(f.record) + ", \"id\": " + jsonString(f.id) +
+                       ", \"topic\": " + jsonString(f.topic) + ", \"actor\": " + jsonString(f.actor) +
+                       ", \"detail\": " + jsonString(f.detail);
+    if (f.kind == "style")
+        json += ", \"before\": " + jsonString(f.before) + ", \"after\": " + jsonString(f.after);
+    return json + "}";
+}
+
+// Prints a JSON array of items, one a line.
+void printJson(std::ostream& out, const std::vector<std::string>& items) {
+    out << "[";
+    for (std::size_t i = 0; i < items.size(); ++i)
+        out << (i ? ",\n " : "\n ") << items[i];
+    out << (items.empty() ? "]\n" : "\n]\n");
+}
+
+// Opens path into the session; false (with the reader's messages said) when it was not read whole.
+bool open(Context& c, const std::string& path) {
+    return openPath(c.session, c.dialogs, path).isDone();
+}
+
+} // namespace
+
+int checkCommand(Context& c) {
+    CheckOptions options;
+    options.style = cleanupSettings(c.args);
+    if (!parseKinds(c.args.value("--only"), options.only, c.err)) return 2;
+    bool json = c.args.has("--json"), unreadable = false;
+    std::vector<std::string> items;
+    for (const std::string& path : c.args.positional) {
+        if (!open(c, path)) {
+            unreadable = true;
+            continue;
+        }
+        CheckOptions forFile = options;
+        forFile.fileType = fileTypeFor(path);
+        findMasterTopics(c.session.store, path, forFile);
+        auto count = std::int32_t(c.session.counts.number(CountLabel::Total));
+        for (const Finding& f : checkDialogue(c.session.store, count, forFile))
+            items.push_back(json ? findingJson(path, f) : findingLine(path, f));
+    }
+    if (json)
+        printJson(c.out, items);
+    else
+        for (const std::string& line : items)
+            c.out << line << '\n';
+    return unreadable || !items.empty() ? 1 : 0;
+}
+
+int diffDialogueCommand(Context& c) {
+    Session older;
+    older.log.onLine = c.session.log.onLine;
+    if (!openPath(older, c.dialogs, c.args.positional[0]).isDone() || !open(c, c.args.positional[1]))
+        return 1;
+    std::vector<DialogueChange> changes = diffDialogue(older.store, c.session.store);
+    bool json = c.args.has("--json");
+    std::vector<std::string> items;
+    for (const DialogueChange& d : changes) {
+        if (json) {
+            items.push_back("{\"change\": " + jsonString(d.change) + ", \"field\": " + jsonString(d.field) +
+                            ", \"id\": " + jsonString(d.id) + ", \"topic\": " + jsonString(d.topic) +
+                            ", \"actor\": " + jsonString(d.actor) + ", \"before\": " + jsonString(d.before) +
+                            ", \"after\": " + jsonString(d.after) + "}");
+            continue;
+        }
+        std::string line = (d.change == "changed" ? "changed " + d.field : d.change) + ": " +
+                           responseName(d.id, d.topic, d.actor) + ": ";
+        if (d.change == "added") line += oneLine(d.after);
+        if (d.change == "removed") line += oneLine(d.before);
+        if (d.change == "changed") line += oneLine(d.before) + " -> " + oneLine(d.after);
+        items.push_back(forTerminal(toUtf8(line)));
+    }
+    if (json)
+        printJson(c.out, items);
+    else
+        for (const std::string& line : items)
+            c.out << line << '\n';
+    return changes.empty() ? 0 : 1;
+}
+
+int loopsCommand(Context& c) {
+    bool several = c.args.positional.size() > 1, failed = false;
+    std::size_t found = 0;
+    // Findings are listed from the check's loop rule; the loop check itself only logs, since the
+    // command line fixes nothing.
+    c.dialogs.loopFix = [](const std::string&, const std::string&, const std::string& text,
+                           const std::string& result, std::int32_t) {
+        return LoopFix{2, text, result};
+    };
+    CheckOptions loopsOnly;
+    loopsOnly.only = {"loop"};
+    for (const std::string& path : c.args.positional) {
+        if (!open(c, path) || DetectLoops(c.session, c.dialogs).isFailed()) {
+            failed = true;
+            continue;
+        }
+        for (const Finding& f : checkDialogue(c.session.store, 0, loopsOnly)) {
+            ++found;
+            c.out << forTerminal((several ? path + ": " : std::string()) +
+                                 toUtf8(responseName(f.id, f.topic, f.actor) + ": " + f.detail))
+                  << '\n';
+        }
+    }
+    if (failed) return 1;
+    return found > 0 && c.args.has("--fail-on-loop") ? 1 : 0;
+}
+
+} // namespace quillon

@@ -1,0 +1,196 @@
+#include "workbench/check.h"
+
+#include "app/damage_report.h"
+#include "app/session.h"
+#include "app/text.h"
+#include "cleanup/text_rules.h"
+#include "dialogue/result_scripts.h"
+#include "records/es_read.h"
+#include "writer/byte_sink.h"
+#include "writer/es_write.h"
+
+#include <cstring>
+#include <filesystem>
+#include <map>
+
+namespace quillon {
+
+const char* const kFindingKinds[8] = {"master", "unknown", "damage", "loop",
+                                      "choice", "topic",   "long",   "style"};
+
+namespace {
+
+bool wants(const CheckOptions& options, const char* kind) {
+    return options.only.empty() || options.only.count(kind);
+}
+
+Finding about(const std::vector<InfoRecord>& infos, std::size_t i, const char* kind, std::string detail) {
+    const InfoRecord& r = infos[i];
+    Finding f;
+    f.kind = kind;
+    f.id = r.INAM;
+    f.topic = r.Topic;
+    f.actor = r.ONAM;
+    f.detail = std::move(detail);
+    f.info = i;
+    return f;
+}
+
+// Prompts that ask nothing: the check never writes, and a Save's question is not its business.
+class Silent : public Prompts {
+public:
+    void tell(const std::string&) override {}
+    Reply ask(const Question&, const std::string&, bool) override { return Reply::No; }
+    DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
+};
+
+// A key that ignores letter case, as the game's topic names do.
+std::string folded(std::string_view text) {
+    std::string out(text);
+    for (char& c : out)
+        c = char(foldCase(static_cast<unsigned char>(c)));
+    return out;
+}
+
+void checkScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
+    const std::vector<InfoRecord>& infos = store.INFO;
+    std::set<std::string> topics = options.masterTopics;
+    for (const DialRecord& d : store.DIAL)
+        topics.insert(folded(d.NAME));
+    // The choices each topic's responses are shown on, by topic as the writer matches them.
+    std::map<std::string, std::set<std::int32_t>> shownOn;
+    for (const InfoRecord& r : infos) {
+        for (const InfoCondition& c : r.Conditions)
+            if (isChoiceCondition(c)) shownOn[r.Topic].insert(c.INTV);
+    }
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+        const InfoRecord& r = infos[i];
+        if (r.BNAM.empty()) continue;
+        std::vector<std::string> lines = scriptLines(r.BNAM), written = writtenLines(r.BNAM);
+        for (std::size_t n = 0; n < lines.size(); ++n) {
+            for (const InfoCondition& c : r.Conditions)
+                if (wants(options, "loop") && isChoiceCondition(c) && r.BNAM.size() > 5 &&
+                    offersChoice(lines[n], c.INTV))
+                    out.push_back(
+                        about(infos, i, "loop",
+                              "choice " + std::to_string(c.INTV) + " offered again: " + written[n]));
+            for (std::int32_t choice : choicesOn(lines[n]))
+                if (!shownOn[r.Topic].count(choice))
+                    out.push_back(
+                        about(infos, i, "choice",
+                              "choice " + std::to_string(choice) +
+                                  " is offered but no response of the topic is shown on it: " + written[n]));
+            for (const std::string& topic : topicsAddedOn(lines[n]))
+                if (!topics.count(folded(topic)))
+                    out.push_back(
+                        about(infos, i, "topic", "AddTopic \"" + topic + "\" names no topic: " + written[n]));
+        }
+    }
+}
+
+void checkTexts(const std::vector<InfoRecord>& infos, const CheckOptions& options,
+                std::vector<Finding>& out) {
+    bool quoteParity = false; // carried from response to response, as the clean-up does
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+        const InfoRecord& r = infos[i];
+        if (wants(options, "long") && r.NAME.size() > kMaxResponse)
+            out.push_back(
+                about(infos, i, "long",
+                      std::to_string(r.NAME.size()) + " characters, over " + std::to_string(kMaxResponse)));
+        if (!wants(options, "style")) continue;
+        std::string cleaned = cleanResponse(r.NAME, options.style, quoteParity);
+        if (cleaned == r.NAME) continue;
+        Finding f = about(infos, i, "style",
+                          equalsIgnoreCase(cleaned, r.NAME) ? "the clean-up changes letter case only"
+                                                            : "the clean-up changes the text");
+        f.before = r.NAME;
+        f.after = std::move(cleaned);
+        out.push_back(std::move(f));
+    }
+}
+
+void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptions& options,
+                  std::vector<Finding>& out) {
+    for (const std::string& master : options.missingMasters) {
+        Finding f;
+        f.kind = "master";
+        f.record = "TES3";
+        f.id = master;
+        f.detail = "not found beside the file; its topics are not known to the topic check";
+        out.push_back(std::move(f));
+    }
+    for (const RawRecord& r : store.Unknown) {
+        Finding f;
+        f.kind = "unknown";
+        f.record = r.Tag;
+        f.detail = "record of unknown type at byte " + groupedNumber(r.Offset);
+        out.push_back(std::move(f));
+    }
+    if (!wants(options, "damage")) return;
+    Silent prompts;
+    std::string topic = store.CurrentTopic;
+    for (const DamagedRecord& d :
+         serialiseChecked(store, recordCount, options.fileType, prompts, false).damaged) {
+        Finding f;
+        f.kind = "damage";
+        f.record = d.tag;
+        f.id = d.id;
+        f.detail = describeDamage(d);
+        out.push_back(std::move(f));
+    }
+    store.CurrentTopic = topic; // writing moves it; the check changes nothing
+}
+
+} // namespace
+
+std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
+                                   const CheckOptions& options) {
+    std::vector<Finding> all;
+    checkRecords(store, recordCount, options, all);
+    checkScripts(store, options, all);
+    checkTexts(store.INFO, options, all);
+    std::vector<Finding> kept;
+    for (const char* kind : kFindingKinds)
+        for (Finding& f : all)
+            if (f.kind == kind && (options.only.empty() || options.only.count(kind)))
+                kept.push_back(std::move(f));
+    return kept;
+}
+
+void findMasterTopics(const RecordStore& store, const std::string& path, CheckOptions& options) {
+    namespace fs = std::filesystem;
+    if (store.TES3.empty()) return;
+    fs::path folder = fs::path(path).parent_path();
+    if (folder.empty()) folder = ".";
+    std::error_code ec;
+    std::map<std::string, fs::path> beside; // by name in lower case
+    for (const fs::directory_entry& e : fs::directory_iterator(folder, ec))
+        beside[folded(e.path().filename().string())] = e.path();
+    for (const MasterEntry& m : store.TES3.front().Masters) {
+        if (m.MAST.empty()) continue;
+        auto found = beside.find(folded(m.MAST));
+        std::string error;
+        std::string bytes = found == beside.end() ? std::string() : loadFile(found->second.string(), error);
+        if (found == beside.end() || !error.empty()) {
+            options.missingMasters.push_back(m.MAST);
+            continue;
+        }
+        // Only the topic names are wanted: the DIAL records' NAME, found by walking the headers.
+        for (std::size_t p = 0; p + 16 <= bytes.size();) {
+            std::int32_t size;
+            std::memcpy(&size, bytes.data() + p + 4, 4);
+            if (size < 0 || std::size_t(size) > bytes.size() - p - 16) break;
+            if (bytes.compare(p, 4, "DIAL") == 0 && size >= 8 && bytes.compare(p + 16, 4, "NAME") == 0) {
+                std::int32_t nameSize;
+                std::memcpy(&nameSize, bytes.data() + p + 20, 4);
+                if (nameSize > 0 && nameSize <= size - 8) {
+                    std::string name = bytes.substr(p + 24, std::size_t(nameSize));
+                    options.masterTopics.insert(folded(name.substr(0, name.find('\0'))));
+                }
+            }
+            p += 16 + std::size_t(size);
+        }
+    }
+}
+
+} // namespace quillon
