@@ -1,25 +1,10 @@
-#include "cli/commands.h"
+#include "cli_run.h"
 #include "helpers.h"
 
 #include <sstream>
 
 using namespace quillon;
 using namespace quillon::test;
-
-namespace {
-
-struct CliRun {
-    int status;
-    std::string out, err;
-};
-
-CliRun cli(std::vector<std::string> args) {
-    std::ostringstream out, err;
-    int status = runCli(args, out, err);
-    return {status, out.str(), err.str()};
-}
-
-} // namespace
 
 TEST(Cli, CountsPrintsEveryLabelInOrder) {
     TempDir dir;

@@ -1,5 +1,7 @@
 #include "app/file_commands.h"
 #include "helpers.h"
+
+#include <sstream>
 #include "npclist/npc_list.h"
 
 using namespace quillon;
@@ -141,5 +143,66 @@ TEST(Corpus, NpcListsOfEveryFileWithCellsAndNpcs) {
         if (!l.messages.empty()) continue; // no cells or no NPCs
         EXPECT_NE(l.output.find("Total NPCs: "), std::string::npos) << path;
         EXPECT_EQ(l.output.substr(l.output.size() - 9), "</html>\r\n") << path;
+    }
+}
+
+namespace {
+
+// An RFC 4180 reader: rows of fields, quoted fields with doubled quotes and line breaks inside.
+std::vector<std::vector<std::string>> parseCsv(const std::string& text) {
+    std::vector<std::vector<std::string>> rows(1, std::vector<std::string>(1));
+    bool quoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (quoted) {
+            if (c == '"' && i + 1 < text.size() && text[i + 1] == '"') rows.back().back() += text[++i];
+            else if (c == '"') quoted = false;
+            else rows.back().back() += c;
+        } else if (c == '"') {
+            quoted = true;
+        } else if (c == ',') {
+            rows.back().emplace_back();
+        } else if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+            ++i;
+            rows.emplace_back(1);
+        } else {
+            rows.back().back() += c;
+        }
+    }
+    if (rows.back().size() == 1 && rows.back()[0].empty()) rows.pop_back();
+    return rows;
+}
+
+} // namespace
+
+// The spreadsheet holds the NPCs of the text sheet, in its order, one row each.
+TEST(NpcList, CsvRowsMatchTheTextSheet) {
+    auto rows = parseCsv(list(smallWorld(), NpcListFormat::Csv, false, "a").output);
+    ASSERT_FALSE(rows.empty());
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"cell", "name", "gender", "race", "class", "faction", "rank",
+                                                 "description", "writer"}));
+    std::istringstream text(list(smallWorld(), NpcListFormat::PlainText, false, "a").output);
+    std::vector<std::vector<std::string>> fromText;
+    std::string cell;
+    for (std::string line; std::getline(text, line);) {
+        line.pop_back(); // CR
+        if (!line.empty() && line.back() == ':') cell = line.substr(0, line.size() - 1);
+        if (line.empty() || line.back() == ':' || line.rfind("Total NPCs", 0) == 0) continue;
+        std::vector<std::string> entry{cell, line};
+        for (int field = 0; field < 6; ++field) {
+            std::getline(text, line);
+            line.pop_back();
+            entry.push_back(line);
+        }
+        fromText.push_back(entry);
+    }
+    ASSERT_EQ(rows.size() - 1, fromText.size());
+    for (std::size_t i = 0; i < fromText.size(); ++i) {
+        const auto& row = rows[i + 1];
+        ASSERT_EQ(row.size(), 9u);
+        const auto& t = fromText[i];
+        EXPECT_EQ((std::vector<std::string>{row[0], row[1], row[2], row[3], row[4]}),
+                  (std::vector<std::string>{t[0], t[1], t[2], t[3], t[4]}));
+        EXPECT_EQ(row[5].empty() ? "None" : row[5] + ", " + row[6], t[5]); // the text joins faction and rank
     }
 }
