@@ -1,9 +1,12 @@
 #pragma once
 #include "app/cleanup_settings.h"
+#include "app/finding.h"
 #include "records/prompts.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
@@ -59,6 +62,10 @@ public:
     virtual void editOptions(CleanupSettings& settings) = 0;
     // Output that would be damaged: write nothing (the default), repair it or write it as it is.
     virtual DamageChoice damagedOutput(const DamageReport& report) = 0;
+    // Lists the findings of the dialogue check; edit(i) edits the response of finding i and
+    // returns its text as it then stands.
+    virtual void showFindings(const std::vector<Finding>& findings,
+                              const std::function<std::string(std::size_t)>& edit) = 0;
     virtual void about() = 0;
     // Shows the log at once, before long work starts.
     virtual void refreshLog() = 0;

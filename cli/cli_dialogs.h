@@ -47,6 +47,8 @@ public:
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings&) override {}
     DamageChoice damagedOutput(const DamageReport& report) override;
+    // The command line lists findings itself (quillon check).
+    void showFindings(const std::vector<Finding>&, const std::function<std::string(std::size_t)>&) override {}
     void about() override {}
     void refreshLog() override {}
 

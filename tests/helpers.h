@@ -68,6 +68,16 @@ public:
     int optionsShown = 0, aboutShown = 0;
     void editOptions(CleanupSettings&) override { ++optionsShown; }
     void about() override { ++aboutShown; }
+    // The findings shown, and the findings whose responses the user edits from the list.
+    std::vector<Finding> findingsShown;
+    std::vector<std::size_t> findingsToEdit;
+    std::vector<std::string> textsAfterEdit;
+    void showFindings(const std::vector<Finding>& findings,
+                      const std::function<std::string(std::size_t)>& edit) override {
+        findingsShown = findings;
+        for (std::size_t i : findingsToEdit)
+            textsAfterEdit.push_back(edit(i));
+    }
     void refreshLog() override { ++refreshes; }
     std::deque<DamageChoice> damageChoices;
     std::vector<DamageReport> damageReports;

@@ -5,10 +5,13 @@
 #include "helpers.h"
 #include "ui/frm_main.h"
 #include "ui/qt_dialogs.h"
+#include "workbench/frm_check.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QTableWidget>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -268,4 +271,35 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
+}
+
+// The check's table narrows to one kind, shows a style finding before and after, and edits the
+// response of a double-clicked row.
+TEST(FrmCheck, FilterStyleTextsAndEdit) {
+    std::vector<Finding> findings(3);
+    findings[0].kind = "loop";
+    findings[0].id = "1";
+    findings[1].kind = "style";
+    findings[1].id = "2";
+    findings[1].before = "the sea of ghosts";
+    findings[1].after = "the Sea Of Ghosts";
+    findings[2].kind = "master";
+    findings[2].record = "TES3";
+    std::vector<std::size_t> edited;
+    FrmCheck form(findings, [&](std::size_t i) {
+        edited.push_back(i);
+        return std::string("edited");
+    });
+    auto* grid = form.findChild<QTableWidget*>("grdFindings");
+    ASSERT_EQ(grid->rowCount(), 3);
+    EXPECT_EQ(form.findChild<QLabel*>("lblCount")->text(), "3 of 3 findings");
+    form.findChild<QComboBox*>("cboKind")->setCurrentText("style");
+    EXPECT_TRUE(grid->isRowHidden(0));
+    EXPECT_FALSE(grid->isRowHidden(1));
+    EXPECT_EQ(form.findChild<QLabel*>("lblCount")->text(), "1 of 3 findings");
+    grid->selectRow(1);
+    EXPECT_TRUE(form.findChild<QPlainTextEdit*>("txtAfter")->toPlainText().endsWith("the Sea Of Ghosts"));
+    emit grid->cellDoubleClicked(1, 0);
+    emit grid->cellDoubleClicked(2, 0); // a master is no response: nothing to edit
+    EXPECT_EQ(edited, std::vector<std::size_t>{1});
 }

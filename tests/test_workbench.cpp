@@ -1,6 +1,8 @@
 // The dialogue check and diff, as a nightly build runs them from the command line.
+#include "app/file_commands.h"
 #include "cli_run.h"
 #include "helpers.h"
+#include "workbench/check.h"
 
 using namespace quillon;
 using namespace quillon::test;
@@ -108,4 +110,23 @@ TEST(DiffDialogue, AnImportEditedCopy) {
     EXPECT_EQ(json.out.find("{\"change\": \"removed\", \"field\": \"text\", \"id\": \"2\""), 3u) << json.out;
     EXPECT_NE(json.out.find("{\"change\": \"changed\", \"field\": \"text\", \"id\": \"1\""), std::string::npos);
     EXPECT_NE(json.out.find("{\"change\": \"added\", \"field\": \"text\", \"id\": \"3\""), std::string::npos);
+}
+
+// The window's Check Dialogue without the window: the findings reach the dialogs, and a response
+// edited from the list keeps its sizes in step with its text.
+TEST(CheckDialogue, ShowsFindingsAndEditsAResponse) {
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("w.esp", plugin({scripted("1", "Again?", 1, "Choice \"Again\" 1")})));
+    std::int32_t size = s.store.INFO[0].Size, textSize = s.store.INFO[0].NAMESize;
+    d.findingsToEdit = {0};
+    d.edits = {"Once more?"};
+    EXPECT_TRUE(CheckDialogue(s, d).isDone());
+    ASSERT_EQ(d.findingsShown.size(), 1u);
+    EXPECT_EQ(d.findingsShown[0].kind, "loop");
+    EXPECT_EQ(d.textsAfterEdit, std::vector<std::string>{"Once more?"});
+    EXPECT_EQ(s.store.INFO[0].Size, size + 4);
+    EXPECT_EQ(s.store.INFO[0].NAMESize, textSize + 4);
+    EXPECT_EQ(lastLog(s), "-Checked 1 responses from \"w.esp\": 1 findings.");
 }

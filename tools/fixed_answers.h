@@ -41,6 +41,7 @@ public:
     void editOptions(CleanupSettings&) override {}
     // A batch run never writes damaged output.
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
+    void showFindings(const std::vector<Finding>&, const std::function<std::string(std::size_t)>&) override {}
     void about() override {}
     void refreshLog() override {}
 

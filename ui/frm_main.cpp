@@ -7,6 +7,7 @@
 #include "npclist/npc_list.h"
 #include "qt_text/code_page.h"
 #include "ui/qt_dialogs.h"
+#include "workbench/check.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -134,6 +135,12 @@ const WindowCommand kCommands[] = {
      .button = "cmdOptions",
      .buttonCaption = "O&ptions ",
      .buttonTip = "Gives access to Morrowindization options."},
+    {.entry = "mnuCheck",
+     .menu = Menu::Edit,
+     .caption = "&Check Dialogue",
+     .handler = &FrmMain::onCheck,
+     .needsFile = true,
+     .separatorBefore = true},
     {.entry = "mnuQuotesXml",
      .menu = Menu::Edit,
      .caption = "Export &Quotes as XML",
@@ -436,6 +443,9 @@ void FrmMain::onList() {
                                                  : NpcListFormat::PlainText;
     // A checked "Export Clones" box leaves the clones out: the list's own rule, kept as it is.
     run([&] { ExportNpcList(session_, *dialogs_, format, chkClones->isChecked()); });
+}
+void FrmMain::onCheck() {
+    run([&] { CheckDialogue(session_, *dialogs_); });
 }
 void FrmMain::onQuotesXml() {
     run([&] { ExportQuotesXml(session_, *dialogs_); });

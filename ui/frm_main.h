@@ -60,6 +60,7 @@ public:
     void onSpellCheck();
     void onOptions();
     void onList();
+    void onCheck();
     void onQuotesXml();
     void onQuotesKst();
     void onAbout();

@@ -6,6 +6,7 @@
 #include "dialogue/frm_info2.h"
 #include "qt_text/code_page.h"
 #include "ui/frm_about.h"
+#include "workbench/frm_check.h"
 
 #include <QFileDialog>
 #include <QInputDialog>
@@ -150,6 +151,12 @@ DamageChoice QtDialogs::damagedOutput(const DamageReport& report) {
     if (repair && box.clickedButton() == repair) return DamageChoice::Repair;
     if (box.clickedButton() == asIs) return DamageChoice::WriteAsIs;
     return DamageChoice::WriteNothing;
+}
+
+void QtDialogs::showFindings(const std::vector<Finding>& findings,
+                             const std::function<std::string(std::size_t)>& edit) {
+    FrmCheck form(findings, edit, owner_);
+    form.exec();
 }
 
 void QtDialogs::about() {

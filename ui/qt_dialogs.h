@@ -35,6 +35,8 @@ public:
                     const std::string& result, std::int32_t choice) override;
     void editOptions(CleanupSettings& settings) override;
     DamageChoice damagedOutput(const DamageReport& report) override;
+    void showFindings(const std::vector<Finding>& findings,
+                      const std::function<std::string(std::size_t)>& edit) override;
     void about() override;
     void refreshLog() override { repaintLog_(); }
 

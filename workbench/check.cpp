@@ -1,6 +1,7 @@
 #include "workbench/check.h"
 
 #include "app/damage_report.h"
+#include "app/record_counts.h"
 #include "app/session.h"
 #include "app/text.h"
 #include "cleanup/text_rules.h"
@@ -191,6 +192,31 @@ void findMasterTopics(const RecordStore& store, const std::string& path, CheckOp
             p += 16 + std::size_t(size);
         }
     }
+}
+
+Outcome CheckDialogue(Session& session, Dialogs& dialogs) {
+    CheckOptions options;
+    options.style = session.settings;
+    options.fileType = fileTypeFor(session.currentPath);
+    findMasterTopics(session.store, session.currentPath, options);
+    auto count = std::int32_t(session.counts.number(CountLabel::Total));
+    std::vector<Finding> findings = checkDialogue(session.store, count, options);
+    session.log.LogLine("-Checked " + std::to_string(session.store.INFO.size()) + " responses from \"" +
+                        bareName(session.currentPath) + "\": " + std::to_string(findings.size()) +
+                        " findings.");
+    dialogs.refreshLog();
+    dialogs.showFindings(findings, [&](std::size_t i) {
+        InfoRecord& r = session.store.INFO.at(findings.at(i).info);
+        std::string text =
+            dialogs.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, r.NAME);
+        // The sizes follow the text, as the clean-up's do.
+        auto growth = std::int32_t(text.size()) - std::int32_t(r.NAME.size());
+        r.Size += growth;
+        r.NAMESize += growth;
+        r.NAME = std::move(text);
+        return r.NAME;
+    });
+    return Outcome::done();
 }
 
 } // namespace quillon

@@ -1,6 +1,9 @@
 #pragma once
 // The dialogue check: what a writer should look at in a data file, found without changing it.
 #include "app/cleanup_settings.h"
+#include "app/finding.h"
+#include "app/outcome.h"
+#include "app/session.h"
 #include "records/record_store.h"
 
 #include <cstdint>
@@ -9,16 +12,6 @@
 #include <vector>
 
 namespace quillon {
-
-struct Finding {
-    std::string kind;            // loop, long, style, choice, topic, master, damage or unknown
-    std::string record = "INFO"; // the record's type
-    std::string id;              // the record's ID (an INFO's INAM)
-    std::string topic, actor;    // for responses
-    std::string detail;
-    std::string before, after; // for style: the text and what the clean-up makes of it
-    std::size_t info = 0;      // for responses: the index in the store's INFO array
-};
 
 // Every kind, in the order a file's findings are listed.
 extern const char* const kFindingKinds[8];
@@ -38,5 +31,9 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
 // The masters the header names, looked for beside the file (in any letter case): their topic
 // names go into options.masterTopics, the names of those not found into options.missingMasters.
 void findMasterTopics(const RecordStore& store, const std::string& path, CheckOptions& options);
+
+// Check Dialogue: the check of the open file, shown for review with the session's clean-up
+// settings; a response can be edited from the list, its sizes following its text.
+Outcome CheckDialogue(Session& session, Dialogs& dialogs);
 
 } // namespace quillon

@@ -1,0 +1,18 @@
+#pragma once
+#include <cstddef>
+#include <string>
+
+namespace quillon {
+
+// One thing the dialogue check found for a writer to look at.
+struct Finding {
+    std::string kind;            // loop, long, style, choice, topic, master, damage or unknown
+    std::string record = "INFO"; // the record's type
+    std::string id;              // the record's ID (an INFO's INAM)
+    std::string topic, actor;    // for responses
+    std::string detail;
+    std::string before, after; // for style: the text and what the clean-up makes of it
+    std::size_t info = 0;      // for responses: the index in the store's INFO array
+};
+
+} // namespace quillon
