@@ -1,6 +1,7 @@
 #pragma once
-// Byte texts with the Windows-1252 meaning of each byte. Case-insensitive matching folds ASCII
-// letters and the code page's accented letter pairs.
+// Byte texts with the meaning of each byte in the active code page (Windows-1252 unless set
+// otherwise, see encoding.h). Case-insensitive matching folds ASCII letters and the code page's
+// letter pairs.
 #include <array>
 #include <cstddef>
 #include <string>
@@ -28,17 +29,19 @@ constexpr std::array<unsigned char, 256> caseTable(bool toLower) {
         if (c != 0xD7) pair(c, c + 32);
     return t;
 }
-inline constexpr std::array<unsigned char, 256> kLower = caseTable(true);
-inline constexpr std::array<unsigned char, 256> kUpper = caseTable(false);
+inline constexpr std::array<unsigned char, 256> kLower1252 = caseTable(true);
+inline constexpr std::array<unsigned char, 256> kUpper1252 = caseTable(false);
+// The active code page's tables (set with setActiveCodePage).
+extern std::array<unsigned char, 256> activeLower, activeUpper;
 } // namespace detail
 
-// The lower-case form of a Windows-1252 byte.
+// The lower-case form of a byte in the active code page.
 inline unsigned char foldCase(unsigned char c) {
-    return detail::kLower[c];
+    return detail::activeLower[c];
 }
-// The upper-case form of a Windows-1252 byte.
+// The upper-case form of a byte in the active code page.
 inline unsigned char upperCase(unsigned char c) {
-    return detail::kUpper[c];
+    return detail::activeUpper[c];
 }
 bool equalsIgnoreCase(std::string_view a, std::string_view b);
 // Position of needle in hay at or after from, ignoring case; npos when absent.

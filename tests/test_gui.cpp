@@ -11,11 +11,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QTableWidget>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
 

@@ -1,8 +1,8 @@
 #include "app/file_commands.h"
 #include "helpers.h"
 
-#include <sstream>
 #include "npclist/npc_list.h"
+#include <sstream>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -155,9 +155,12 @@ std::vector<std::vector<std::string>> parseCsv(const std::string& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         char c = text[i];
         if (quoted) {
-            if (c == '"' && i + 1 < text.size() && text[i + 1] == '"') rows.back().back() += text[++i];
-            else if (c == '"') quoted = false;
-            else rows.back().back() += c;
+            if (c == '"' && i + 1 < text.size() && text[i + 1] == '"')
+                rows.back().back() += text[++i];
+            else if (c == '"')
+                quoted = false;
+            else
+                rows.back().back() += c;
         } else if (c == '"') {
             quoted = true;
         } else if (c == ',') {

@@ -10,7 +10,8 @@ using namespace quillon::test;
 namespace {
 
 // A response shown on choice `shownOn` (0: on no choice) whose script is `script`.
-std::string scripted(const std::string& id, const std::string& text, std::int32_t shownOn, const std::string& script) {
+std::string scripted(const std::string& id, const std::string& text, std::int32_t shownOn,
+                     const std::string& script) {
     Rec r("INFO");
     r.z("INAM", id).sub("DATA", std::string(12, '\0')).z("ONAM", "npc").text("NAME", text);
     if (shownOn) r.sub("SCVR", scvr('0', '1', "50", '0')).i32("INTV", shownOn);
@@ -43,20 +44,25 @@ TEST(Check, EachKindOnAMadePlugin) {
     CliRun r = cli({"check", path});
     EXPECT_EQ(r.status, 1);
     std::string p = path + ": ";
-    EXPECT_EQ(r.out,
-              p + "master: TES3 \"Master.esm\": not found beside the file; its topics are not known to the topic "
-                  "check\n" +
-                  p + "loop: INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n" +
-                  p + "choice: INFO 2 (topic \"T\", actor \"npc\"): choice 5 is offered but no response of the topic "
-                      "is shown on it: Choice, \"One\", 1, \"Five\", 5\n" +
-                  p + "topic: INFO 3 (topic \"T\", actor \"npc\"): AddTopic \"Elsewhere\" names no topic: addtopic "
-                      "\"Elsewhere\" ; from the master\n" +
-                  p + "long: INFO 4 (topic \"T\", actor \"npc\"): 600 characters, over 512\n" +
-                  p + "style: INFO 5 (topic \"T\", actor \"npc\"): the clean-up changes letter case only: \"Beware "
-                      "the sea of ghosts.\" -> \"Beware the Sea Of Ghosts.\"\n");
+    EXPECT_EQ(
+        r.out,
+        p +
+            "master: TES3 \"Master.esm\": not found beside the file; its topics are not known to the topic "
+            "check\n" +
+            p + "loop: INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n" +
+            p +
+            "choice: INFO 2 (topic \"T\", actor \"npc\"): choice 5 is offered but no response of the topic "
+            "is shown on it: Choice, \"One\", 1, \"Five\", 5\n" +
+            p +
+            "topic: INFO 3 (topic \"T\", actor \"npc\"): AddTopic \"Elsewhere\" names no topic: addtopic "
+            "\"Elsewhere\" ; from the master\n" +
+            p + "long: INFO 4 (topic \"T\", actor \"npc\"): 600 characters, over 512\n" + p +
+            "style: INFO 5 (topic \"T\", actor \"npc\"): the clean-up changes letter case only: \"Beware "
+            "the sea of ghosts.\" -> \"Beware the Sea Of Ghosts.\"\n");
 
     // The master beside the file (in another letter case) holds the topic: no topic finding.
-    dir.write("master.ESM", file(0, {Rec("DIAL").z("NAME", "ELSEWHERE").sub("DATA", std::string(1, '\0')).bytes()}));
+    dir.write("master.ESM",
+              file(0, {Rec("DIAL").z("NAME", "ELSEWHERE").sub("DATA", std::string(1, '\0')).bytes()}));
     CliRun withMaster = cli({"check", path, "--only", "topic,master"});
     EXPECT_EQ(withMaster.out, "");
     EXPECT_EQ(withMaster.status, 0);
@@ -74,13 +80,15 @@ TEST(Check, JsonExitCodesAndSeveralFiles) {
     EXPECT_EQ(both.out.rfind(loop + ": loop: INFO 1", 0), 0u) << both.out;
 
     CliRun json = cli({"check", loop, "--json", "--only", "loop,style"});
-    EXPECT_EQ(json.out, "[\n {\"file\": \"" + loop +
-                            "\", \"kind\": \"loop\", \"record\": \"INFO\", \"id\": \"1\", \"topic\": \"T\", "
-                            "\"actor\": \"npc\", \"detail\": \"choice 1 offered again: Choice \\\"Again\\\" 1\"}\n]\n");
+    EXPECT_EQ(json.out,
+              "[\n {\"file\": \"" + loop +
+                  "\", \"kind\": \"loop\", \"record\": \"INFO\", \"id\": \"1\", \"topic\": \"T\", "
+                  "\"actor\": \"npc\", \"detail\": \"choice 1 offered again: Choice \\\"Again\\\" 1\"}\n]\n");
     EXPECT_EQ(cli({"check", clean, "--json"}).out, "[]\n");
 
     CliRun loops = cli({"loops", clean, loop});
-    EXPECT_EQ(loops.out, loop + ": INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n");
+    EXPECT_EQ(loops.out,
+              loop + ": INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n");
 }
 
 TEST(Check, RecordsSaveWouldDamageAndUnknownTypes) {
@@ -94,7 +102,8 @@ TEST(Check, RecordsSaveWouldDamageAndUnknownTypes) {
 
 TEST(DiffDialogue, AnImportEditedCopy) {
     TempDir dir;
-    std::string old = dir.write("old.esp", plugin({scripted("1", "Hello.", 0, ""), scripted("2", "Bye.", 0, "")}));
+    std::string old =
+        dir.write("old.esp", plugin({scripted("1", "Hello.", 0, ""), scripted("2", "Bye.", 0, "")}));
     EXPECT_EQ(cli({"diff-dialogue", old, old}).status, 0);
     ASSERT_EQ(cli({"export-dialogue", old, "-o", dir.file("d.txt")}).status, 0);
     std::string text = readAll(dir.file("d.txt"));
@@ -104,11 +113,14 @@ TEST(DiffDialogue, AnImportEditedCopy) {
 
     CliRun r = cli({"diff-dialogue", old, dir.file("new.esp")});
     EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, "changed text: INFO 2 (topic \"T\", actor \"npc\"): \"Bye.\" -> \"Farewell,\\r\\nfriend.\"\n");
-    std::string fewer = dir.write("fewer.esp", plugin({scripted("1", "Hello!", 0, ""), scripted("3", "New.", 1, "")}));
+    EXPECT_EQ(r.out,
+              "changed text: INFO 2 (topic \"T\", actor \"npc\"): \"Bye.\" -> \"Farewell,\\r\\nfriend.\"\n");
+    std::string fewer =
+        dir.write("fewer.esp", plugin({scripted("1", "Hello!", 0, ""), scripted("3", "New.", 1, "")}));
     CliRun json = cli({"diff-dialogue", old, fewer, "--json"});
     EXPECT_EQ(json.out.find("{\"change\": \"removed\", \"field\": \"text\", \"id\": \"2\""), 3u) << json.out;
-    EXPECT_NE(json.out.find("{\"change\": \"changed\", \"field\": \"text\", \"id\": \"1\""), std::string::npos);
+    EXPECT_NE(json.out.find("{\"change\": \"changed\", \"field\": \"text\", \"id\": \"1\""),
+              std::string::npos);
     EXPECT_NE(json.out.find("{\"change\": \"added\", \"field\": \"text\", \"id\": \"3\""), std::string::npos);
 }
 
