@@ -94,11 +94,18 @@ fs::path fromSteam(const FolderSearch& s) {
     return {};
 }
 
-fs::path fromOpenMw(const FolderSearch& s) {
+// The values of OpenMW's setting key= in openmw.cfg, in order.
+std::vector<std::string> openMwSetting(const FolderSearch& s, const std::string& key) {
+    std::vector<std::string> values;
     for (const std::string& line : lines(readText(fs::path(s.home) / ".config/openmw/openmw.cfg"))) {
         std::string entry = line.substr(std::min(line.size(), line.find_first_not_of(" \t")));
-        if (entry.rfind("data=", 0) != 0) continue;
-        std::string path = entry.substr(5);
+        if (entry.rfind(key + "=", 0) == 0) values.push_back(entry.substr(key.size() + 1));
+    }
+    return values;
+}
+
+fs::path fromOpenMw(const FolderSearch& s) {
+    for (std::string path : openMwSetting(s, "data")) {
         if (path.size() >= 2 && path.front() == '"' && path.back() == '"')
             path = path.substr(1, path.size() - 2);
         if (isFolder(path)) return path;
@@ -137,6 +144,29 @@ std::string findDataFolder(const FolderSearch& s) {
     return {};
 }
 
+std::optional<CodePage> configuredCodePage(const FolderSearch& search) {
+    std::vector<std::string> values = openMwSetting(search, "encoding");
+    if (values.empty()) return std::nullopt;
+    std::string value = values.back();
+    while (!value.empty() && (value.back() == ' ' || value.back() == '\r'))
+        value.pop_back();
+    return codePageNamed(value);
+}
+
+// The environment of this process, for the searches.
+FolderSearch thisSystem() {
+    const char* home = std::getenv("HOME");
+    return {[](const char* name) {
+                const char* v = std::getenv(name);
+                return std::string(v ? v : "");
+            },
+            home ? home : ""};
+}
+
+std::optional<CodePage> systemCodePage() {
+    return configuredCodePage(thisSystem());
+}
+
 #ifdef _WIN32
 std::string systemDataFolder() {
     // The game's install folder from its registry key, as the Windows game sets it.
@@ -155,12 +185,7 @@ std::string systemDataFolder() {
 }
 #else
 std::string systemDataFolder() {
-    const char* home = std::getenv("HOME");
-    return findDataFolder({[](const char* name) {
-                               const char* v = std::getenv(name);
-                               return std::string(v ? v : "");
-                           },
-                           home ? home : ""});
+    return findDataFolder(thisSystem());
 }
 #endif
 

@@ -1,5 +1,8 @@
 #pragma once
+#include "app/encoding.h"
+
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace quillon {
@@ -22,6 +25,11 @@ std::string wineInstalledPath(const std::string& systemReg);
 // The game's "Data Files" folder on this system: the game's registry key on Windows, elsewhere
 // findDataFolder over the environment and the home folder; empty when not found.
 std::string systemDataFolder();
+
+// The code page OpenMW's openmw.cfg sets with its encoding= line (win1250, win1251, win1252).
+std::optional<CodePage> configuredCodePage(const FolderSearch& search);
+// The same for this system's environment and home folder.
+std::optional<CodePage> systemCodePage();
 
 // The line the log shows when the game cannot be found.
 extern const char* const kGameNotFoundWarning;

@@ -22,8 +22,7 @@ struct Session {
     // The file-dependent buttons and menu entries, always switched together.
     bool fileGroupEnabled = false;
     CleanupSettings settings;
-    std::string openFolder;                // where the next file dialog starts
-    std::string codePage = "windows-1252"; // how the window shows the file's texts
+    std::string openFolder; // where the next file dialog starts
     // Size and time of the current file when it was last read or written, to notice changes by
     // other programs before Save overwrites it.
     std::string fileStamp;

@@ -1,5 +1,6 @@
 #include "cli/commands.h"
 
+#include "app/encoding.h"
 #include "app/file_commands.h"
 #include "cleanup/morrowindize.h"
 #include "cleanup/text_rules.h"
@@ -25,7 +26,10 @@ Commands:
                                    (prefixed by the file's name when there are several)
   save FILE [-o OUT] [--repair|--force] [--yes|--no]
                                    open FILE and save it back (or to OUT)
-  export-dialogue FILE -o OUT.txt  every response of FILE to a text file (four quoted lines each)
+  export-dialogue FILE -o OUT.txt [--text-encoding code-page|utf-8]
+                                   every response of FILE to a text file (four quoted lines each),
+                                   in the code page's bytes or in UTF-8 for Linux editors; import
+                                   reads either
   import-dialogue FILE IN.txt -o OUT [--remove-line-breaks] [--long=trim|cancel]
                                    put the edited responses of IN.txt back and save as OUT; a
                                    response over 512 characters stops the import (every one is
@@ -62,6 +66,10 @@ Commands:
 Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
   --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
 
+Every command takes:
+  --code-page 1252|1250|1251       the code page of the file's texts (default 1252, Western; 1250
+                                   Central European, 1251 Cyrillic): texts are shown and compared
+                                   by it, and TEXT, NAME and typed answers are taken as UTF-8
 Every command that opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
                                    every further one, with a warning)
@@ -88,6 +96,17 @@ struct Command {
     bool fileList = false;               // takes one file or more
 };
 
+// A UTF-8 text from the command line as the code page's bytes (a text that is not UTF-8 is taken
+// as bytes already); false when a character has no byte in the page.
+bool toCodePageBytes(std::string& text) {
+    if (!looksLikeUtf8(text)) return true;
+    std::string bytes;
+    char32_t missing = 0;
+    if (!fromUtf8(text, bytes, missing)) return false;
+    text = std::move(bytes);
+    return true;
+}
+
 int countsCommand(Context& c) {
     bool several = c.args.positional.size() > 1, allRead = true;
     for (const std::string& path : c.args.positional) {
@@ -111,8 +130,14 @@ int saveCommand(Context& c) {
 }
 
 int exportCommand(Context& c) {
+    std::string encoding = c.args.value("--text-encoding", "code-page");
+    if (encoding != "code-page" && encoding != "utf-8") {
+        c.err << "quillon export-dialogue: --text-encoding takes code-page or utf-8\n";
+        return 2;
+    }
     if (!openInput(c)) return 1;
-    return exitStatus(exportDialogueTo(c.session, c.dialogs, c.args.value("-o")));
+    return exitStatus(exportDialogueTo(c.session, c.dialogs, c.args.value("-o"),
+                                       encoding == "utf-8" ? TextEncoding::Utf8 : TextEncoding::CodePage));
 }
 
 int importCommand(Context& c) {
@@ -159,9 +184,12 @@ int quotesCommand(Context& c) {
         if (what.id == QuestionId::CityName) return c.args.value("--city");
         const std::string& name = what.subject;
         if (!askNames) return name; // a speaker name holding "_" stays as it is
-        c.err << "Name for \"" << forTerminal(name) << "\": ";
+        c.err << "Name for \"" << forTerminal(toUtf8(name)) << "\": ";
         std::string typed;
         if (!std::getline(std::cin, typed)) throw CliError("no answer for the speaker name \"" + name + "\"");
+        if (!toCodePageBytes(typed))
+            throw CliError(std::string("the name typed holds a character that ") +
+                           codePageName(activeCodePage()) + " cannot store");
         return typed;
     };
     c.dialogs.savePath = c.args.value("-o");
@@ -241,7 +269,7 @@ const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand, {}, true},
         {"save", 1, kWriteOptions, {"--unknown", "-o"}, saveCommand},
-        {"export-dialogue", 1, {"--help"}, {"--unknown", "-o"}, exportCommand, {"-o"}},
+        {"export-dialogue", 1, {"--help"}, {"--unknown", "-o", "--text-encoding"}, exportCommand, {"-o"}},
         {"import-dialogue",
          2,
          withWriteOptions({"--remove-line-breaks"}),
@@ -302,7 +330,17 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     }
     for (const Command& command : commands()) {
         if (args[0] != command.name) continue;
-        Arguments parsed = parseArguments({args.begin() + 1, args.end()}, command.flags, command.valued);
+        std::set<std::string> valued = command.valued;
+        valued.insert("--code-page");
+        Arguments parsed = parseArguments({args.begin() + 1, args.end()}, command.flags, valued);
+        std::optional<CodePage> page = codePageNamed(parsed.value("--code-page", "1252"));
+        if (parsed.error.empty() && !page) parsed.error = "--code-page takes 1252, 1250 or 1251";
+        setActiveCodePage(page.value_or(CodePage::Windows1252));
+        for (const char* option : {"--cell", "--city"})
+            if (auto v = parsed.values.find(option);
+                parsed.error.empty() && v != parsed.values.end() && !toCodePageBytes(v->second))
+                parsed.error =
+                    std::string(option) + " holds a character that " + codePageName(*page) + " cannot store";
         if (parsed.has("--help")) {
             out << kUsage;
             return 0;

@@ -9,7 +9,10 @@ namespace quillon {
 
 // Export: every response to a text file of four quoted lines per response.
 Outcome ExportDialogue(Session& session, Dialogs& dialogs);
-Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path);
+// The text file's bytes: the code page's, as the game's tools expect, or UTF-8 for Linux editors.
+enum class TextEncoding { CodePage, Utf8 };
+Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path,
+                         TextEncoding encoding = TextEncoding::CodePage);
 
 // Import: reads an edited export back, response by response, checking each ID.
 Outcome ImportDialogue(Session& session, Dialogs& dialogs);

@@ -1,4 +1,6 @@
 #include "dialogue/dialogue_commands.h"
+
+#include "app/encoding.h"
 #include "writer/safe_file.h"
 
 namespace quillon {
@@ -46,10 +48,12 @@ Outcome ExportDialogue(Session& session, Dialogs& dialogs) {
     return exportDialogueTo(session, dialogs, path);
 }
 
-Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path) {
+Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path, TextEncoding encoding) {
     const std::vector<InfoRecord>& infos = session.store.INFO;
     bool none = infos.empty() || infos.front().INAMSize == 0;
-    std::string error = replaceFileSafely(path, none ? std::string() : dialogueText(infos));
+    std::string text = none ? std::string() : dialogueText(infos);
+    if (encoding == TextEncoding::Utf8) text = toUtf8(text);
+    std::string error = replaceFileSafely(path, text);
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         session.log.LogLine("-An error occured during dialogue exporting.");

@@ -1,3 +1,4 @@
+#include "app/encoding.h"
 #include "app/text.h"
 #include "dialogue/dialogue_commands.h"
 #include "records/es_read.h"
@@ -11,9 +12,15 @@ namespace {
 
 // Reads a text file line by line, as the export wrote it: lines end at CR LF only. pos() is the
 // 0-based position of the next read.
+// A character of a UTF-8 text file that the code page cannot store.
+struct Unstorable {
+    char32_t character;
+};
+
 class LineReader {
 public:
-    explicit LineReader(std::string bytes) : bytes_(std::move(bytes)) {}
+    // A UTF-8 file's lines are converted to the code page as they are read.
+    LineReader(std::string bytes, bool utf8) : bytes_(std::move(bytes)), utf8_(utf8) {}
     bool atEnd() const { return pos_ >= bytes_.size(); }
     std::size_t pos() const { return pos_; }
     bool next(std::string& line) {
@@ -23,11 +30,14 @@ public:
         if (end == std::string::npos) end = bytes_.size();
         line.assign(bytes_, pos_, end - pos_);
         pos_ = std::min(end + 2, bytes_.size());
+        char32_t missing = 0;
+        if (utf8_ && !fromUtf8(std::string(line), line, missing)) throw Unstorable{missing};
         return true;
     }
 
 private:
     std::string bytes_;
+    bool utf8_;
     std::size_t pos_ = 0;
 };
 
@@ -52,8 +62,8 @@ std::string collapseDoubledQuotes(const std::string& text) {
 
 class Import {
 public:
-    Import(Session& s, Dialogs& d, bool removeLineBreaks, std::string bytes)
-        : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), in_(std::move(bytes)) {}
+    Import(Session& s, Dialogs& d, bool removeLineBreaks, std::string bytes, bool utf8)
+        : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), in_(std::move(bytes), utf8) {}
 
     void run() {
         std::vector<InfoRecord>& infos = s_.store.INFO;
@@ -172,10 +182,23 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
         return reportImportError(session, dialogs,
                                  "\"" + bareName(session.currentPath) +
                                      "\" holds no dialogue responses to import into.");
-    Import import(session, dialogs, removeLineBreaks, std::move(bytes));
+    // A file saved by an editor as UTF-8 (with a byte-order mark, or valid UTF-8 beyond ASCII) is
+    // read as such; anything else is the code page's bytes, as the export wrote them.
+    bool bom = bytes.rfind("\xEF\xBB\xBF", 0) == 0;
+    if (bom) bytes.erase(0, 3);
+    bool utf8 = bom || looksLikeUtf8(bytes);
+    Import import(session, dialogs, removeLineBreaks, std::move(bytes), utf8);
     try {
         import.run();
         return Outcome::done();
+    } catch (const Unstorable& u) {
+        char code[16];
+        std::snprintf(code, sizeof code, "U+%04X", unsigned(u.character));
+        return reportImportError(
+            session, dialogs,
+            std::string("The text file holds a character that ") + codePageName(activeCodePage()) +
+                " cannot store (" + code + "), in the response \"" +
+                session.store.INFO[std::min(import.current(), session.store.INFO.size() - 1)].INAM + "\".");
     } catch (const Mismatch&) {
         // Responses already imported keep their new texts: there is no rollback.
         char offset[32];

@@ -125,8 +125,9 @@ private:
             out_ += "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\"" + b +
                     "\"http://www.w3.org/TR/html4/loose.dtd\">" + b + "<html>" + b + "<head>" + b +
                     "<meta http-equiv=\"Content-Language\" content=\"en-us\">" + b +
-                    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1252\">" + b +
-                    "<title>NPCs List for " + answer + " by Quillon</title>" + b + "</head>" + b +
+                    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=" +
+                    codePageName(activeCodePage()) + "\">" + b + "<title>NPCs List for " + answer +
+                    " by Quillon</title>" + b + "</head>" + b +
                     "<body bgcolor=\"#000000\" text=\"#00FFFF\">" + b + "<p align=\"center\">NPCs List for " +
                     answer + " by <a href=\"" + kHomePage + "\">Quillon</a></p>" + b + "<br>" + b +
                     "Color code:<br>" + b + "<br>" + b;

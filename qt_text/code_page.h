@@ -6,9 +6,11 @@
 
 namespace quillon {
 
-// The file's bytes as text, by Windows-1252.
+// The file's bytes as text, by the active code page.
 QString fromCodePage(const std::string& bytes);
-// The text as Windows-1252 bytes; nothing when a character has no byte in that code page.
+// The text as the active code page's bytes; nothing when a character has no byte in that page.
 std::optional<std::string> toCodePage(const QString& text);
+// The message for a text the active code page cannot store.
+QString cannotStoreMessage();
 
 } // namespace quillon

@@ -17,10 +17,8 @@ std::optional<std::string> fromEditor(QWidget* parent, const QString& text) {
     withBreaks.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
     std::optional<std::string> bytes = toCodePage(withBreaks);
     if (!bytes)
-        QMessageBox::warning(
-            parent, QStringLiteral("Quillon"),
-            QStringLiteral("The text holds characters that the file's code page (Windows-1252) "
-                           "cannot store. Replace them and try again."));
+        QMessageBox::warning(parent, QStringLiteral("Quillon"),
+                             cannotStoreMessage() + QStringLiteral(" Replace them and try again."));
     return bytes;
 }
 

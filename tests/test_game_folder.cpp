@@ -49,8 +49,12 @@ TEST(GameFolder, SearchOrder) {
     EXPECT_EQ(h.find(), "");
 
     fs::path openmw = h.make("openmw/Data Files");
-    h.write(".config/openmw/openmw.cfg", "data=\"/nowhere\"\ndata=\"" + openmw.string() + "\"\n");
+    FolderSearch search{[](const char*) { return std::string(); }, h.home()};
+    EXPECT_EQ(configuredCodePage(search), std::nullopt);
+    h.write(".config/openmw/openmw.cfg",
+            "data=\"/nowhere\"\nencoding=win1251\r\ndata=\"" + openmw.string() + "\"\n");
     EXPECT_EQ(h.find(), openmw.string());
+    EXPECT_EQ(configuredCodePage(search), CodePage::Windows1251); // the player's language, for the window
 
     fs::path library = h.make("games/SteamLibrary/steamapps/common/Morrowind/Data Files");
     h.write(".steam/steam/steamapps/libraryfolders.vdf",

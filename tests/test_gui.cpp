@@ -1,8 +1,10 @@
 // The window offscreen with scripted dialogs, so that no test waits on a modal dialog.
+#include "app/encoding.h"
 #include "cleanup/frm_options.h"
 #include "dialogue/frm_info.h"
 #include "dialogue/frm_info2.h"
 #include "helpers.h"
+#include "qt_text/code_page.h"
 #include "ui/frm_main.h"
 #include "ui/qt_dialogs.h"
 #include "workbench/frm_check.h"
@@ -302,4 +304,20 @@ TEST(FrmCheck, FilterStyleTextsAndEdit) {
     emit grid->cellDoubleClicked(1, 0);
     emit grid->cellDoubleClicked(2, 0); // a master is no response: nothing to edit
     EXPECT_EQ(edited, std::vector<std::size_t>{1});
+}
+
+// The window's code page: chosen in the Edit menu, it decodes the texts the forms show and
+// encodes what is typed in them.
+TEST(MainWindow, CodePageChoiceDecodesAndEncodesTexts) {
+    Window w;
+    EXPECT_FALSE(toCodePage(QStringLiteral("Привет")).has_value()); // Windows-1252 has no Cyrillic
+    QAction* cyrillic = w.action("mnuwindows-1251");
+    ASSERT_NE(cyrillic, nullptr);
+    cyrillic->trigger();
+    EXPECT_EQ(activeCodePage(), CodePage::Windows1251);
+    EXPECT_EQ(fromCodePage("\xCF\xF0\xE8\xE2\xE5\xF2"), QStringLiteral("Привет"));
+    EXPECT_EQ(toCodePage(QStringLiteral("ПРИВЕТ")), std::optional<std::string>("\xCF\xD0\xC8\xC2\xC5\xD2"));
+    EXPECT_TRUE(cyrillic->isChecked());
+    w.action("mnuwindows-1252")->trigger();
+    EXPECT_EQ(activeCodePage(), CodePage::Windows1252);
 }

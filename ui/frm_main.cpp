@@ -1,5 +1,6 @@
 #include "ui/frm_main.h"
 
+#include "app/encoding.h"
 #include "app/file_commands.h"
 #include "app/game_folder.h"
 #include "cleanup/morrowindize.h"
@@ -9,6 +10,7 @@
 #include "ui/qt_dialogs.h"
 #include "workbench/check.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDragEnterEvent>
@@ -218,6 +220,22 @@ void FrmMain::createMenus() {
         connect(a, &QAction::triggered, this, c.handler);
         entries_.push_back(a);
     }
+    // The code page of the file's texts, held for the session; the Edit menu ends with it.
+    QMenu* pages = menus[1]->addMenu(QStringLiteral("Code &Page"));
+    pages->setObjectName("mnuCodePage");
+    auto* group = new QActionGroup(this);
+    const std::pair<CodePage, const char*> choices[] = {
+        {CodePage::Windows1252, "&Western (Windows-1252)"},
+        {CodePage::Windows1250, "&Central European (Windows-1250)"},
+        {CodePage::Windows1251, "C&yrillic (Windows-1251)"}};
+    for (auto [page, caption] : choices) {
+        QAction* a = pages->addAction(QString::fromLatin1(caption));
+        a->setObjectName(QStringLiteral("mnu") + QString::fromLatin1(codePageName(page)));
+        a->setCheckable(true);
+        a->setChecked(page == activeCodePage());
+        group->addAction(a);
+        connect(a, &QAction::triggered, this, [this, page] { chooseCodePage(page); });
+    }
 }
 
 void FrmMain::createFrames() {
@@ -323,6 +341,8 @@ QWidget* FrmMain::centralArea() {
 }
 
 void FrmMain::lookUpGameFolder() {
+    // OpenMW's encoding= setting, when it has one, says the player's language.
+    if (std::optional<CodePage> page = systemCodePage()) chooseCodePage(*page);
     std::string folder = systemDataFolder();
     if (!folder.empty()) {
         session_.openFolder = folder;
@@ -330,6 +350,13 @@ void FrmMain::lookUpGameFolder() {
     }
     session_.openFolder = QCoreApplication::applicationDirPath().toStdString();
     session_.log.setCaption(std::string(kGameNotFoundWarning) + "\r\n");
+}
+
+void FrmMain::chooseCodePage(CodePage page) {
+    setActiveCodePage(page);
+    if (auto* a = findChild<QAction*>(QStringLiteral("mnu") + QString::fromLatin1(codePageName(page))))
+        a->setChecked(true);
+    refresh();
 }
 
 void FrmMain::refresh() {

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/encoding.h"
 #include "app/session.h"
 
 #include <QMainWindow>
@@ -29,6 +30,8 @@ public:
     void openPathNow(const QString& path);
     // Shows the session's log, counts and enabled state.
     void refresh();
+    // Reads and shows the file's texts by the code page from now on.
+    void chooseCodePage(CodePage page);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -86,8 +86,7 @@ std::string QtDialogs::input(const Question&, const std::string& prompt, const s
     if (!ok) return {};
     std::optional<std::string> bytes = toCodePage(typed);
     if (!bytes) {
-        tell("The text holds characters that the file's code page (Windows-1252) cannot store.",
-             Icon::Warning);
+        message(cannotStoreMessage().toStdString(), Buttons::Ok, Icon::Warning, "");
         return {};
     }
     return *bytes;
