@@ -137,3 +137,28 @@ TEST(CodePages, CommandLineTakesUtf8Arguments) {
     EXPECT_EQ(cli({"counts", path, "--code-page", "866"}).status, 2);
     EXPECT_EQ(activeCodePage(), CodePage::Windows1252); // every run starts from the default
 }
+
+// A Central European plugin: the cell search ignores Polish letter case and the spreadsheet shows
+// the names in UTF-8.
+TEST(CodePages, CentralEuropeanCellsAndSheet) {
+    TempDir dir;
+    std::string world =
+        file(0, {Rec("NPC_")
+                     .z("NAME", "n")
+                     .z("FNAM", "Bo\xBF"
+                                "ena") // Bożena
+                     .sub("NPDT", std::string(12, '\0'))
+                     .i32("FLAG", 1)
+                     .bytes(),
+                 Rec("CELL")
+                     .z("NAME", "\xA3\xD3\x44\x8F, Karczma") // ŁÓDŹ, Karczma
+                     .sub("DATA", std::string(12, '\0'))
+                     .raw("FRMR" + le32(4) + le32(1) + "NAME" + le32(2) + "n" + std::string(1, '\0'))
+                     .bytes()});
+    std::string path = dir.write("pl.esp", world);
+    CliRun r = cli({"npc-list", path, "--cell", "łódź", "--format", "csv", "-o", dir.file("n.csv"),
+                    "--code-page", "1250"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(readAll(dir.file("n.csv")), "cell,name,gender,race,class,faction,rank,description,writer\r\n"
+                                          "\"ŁÓDŹ, Karczma\",Bożena,F,,,,,,\r\n");
+}
