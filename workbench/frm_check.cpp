@@ -2,6 +2,7 @@
 
 #include "qt_text/code_page.h"
 #include "qt_text/form_text.h"
+#include "workbench/check.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -14,12 +15,6 @@
 
 namespace quillon {
 
-namespace {
-
-const char* const kKinds[] = {"master", "unknown", "damage", "loop", "choice", "topic", "long", "style"};
-
-} // namespace
-
 FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::string(std::size_t)> edit,
                    QWidget* parent)
     : QDialog(parent), findings_(findings), edit_(std::move(edit)) {
@@ -28,7 +23,7 @@ FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::stri
     cboKind = new QComboBox;
     cboKind->setObjectName("cboKind");
     cboKind->addItem(QStringLiteral("All kinds"));
-    for (const char* kind : kKinds)
+    for (const char* kind : kFindingKinds)
         cboKind->addItem(QString::fromLatin1(kind));
     grdFindings = new QTableWidget(int(findings.size()), 5);
     grdFindings->setObjectName("grdFindings");
