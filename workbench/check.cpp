@@ -45,19 +45,11 @@ public:
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 
-// A key that ignores letter case, as the game's topic names do.
-std::string folded(std::string_view text) {
-    std::string out(text);
-    for (char& c : out)
-        c = char(foldCase(static_cast<unsigned char>(c)));
-    return out;
-}
-
 void checkScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
     const std::vector<InfoRecord>& infos = store.INFO;
     std::set<std::string> topics = options.masterTopics;
     for (const DialRecord& d : store.DIAL)
-        topics.insert(folded(d.NAME));
+        topics.insert(foldedKey(d.NAME));
     // The choices each topic's responses are shown on, by topic as the writer matches them.
     std::map<std::string, std::set<std::int32_t>> shownOn;
     for (const InfoRecord& r : infos) {
@@ -82,7 +74,7 @@ void checkScripts(const RecordStore& store, const CheckOptions& options, std::ve
                               "choice " + std::to_string(choice) +
                                   " is offered but no response of the topic is shown on it: " + written[n]));
             for (const std::string& topic : topicsAddedOn(lines[n]))
-                if (!topics.count(folded(topic)))
+                if (!topics.count(foldedKey(topic)))
                     out.push_back(
                         about(infos, i, "topic", "AddTopic \"" + topic + "\" names no topic: " + written[n]));
         }
@@ -166,10 +158,10 @@ void findMasterTopics(const RecordStore& store, const std::string& path, CheckOp
     std::error_code ec;
     std::map<std::string, fs::path> beside; // by name in lower case
     for (const fs::directory_entry& e : fs::directory_iterator(folder, ec))
-        beside[folded(e.path().filename().string())] = e.path();
+        beside[foldedKey(e.path().filename().string())] = e.path();
     for (const MasterEntry& m : store.TES3.front().Masters) {
         if (m.MAST.empty()) continue;
-        auto found = beside.find(folded(m.MAST));
+        auto found = beside.find(foldedKey(m.MAST));
         std::string error;
         std::string bytes = found == beside.end() ? std::string() : loadFile(found->second.string(), error);
         if (found == beside.end() || !error.empty()) {
@@ -186,7 +178,7 @@ void findMasterTopics(const RecordStore& store, const std::string& path, CheckOp
                 std::memcpy(&nameSize, bytes.data() + p + 20, 4);
                 if (nameSize > 0 && nameSize <= size - 8) {
                     std::string name = bytes.substr(p + 24, std::size_t(nameSize));
-                    options.masterTopics.insert(folded(name.substr(0, name.find('\0'))));
+                    options.masterTopics.insert(foldedKey(name.substr(0, name.find('\0'))));
                 }
             }
             p += 16 + std::size_t(size);
