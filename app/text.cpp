@@ -16,12 +16,23 @@ bool equalsIgnoreCase(std::string_view a, std::string_view b) {
 }
 
 CaselessFinder::CaselessFinder(std::string_view hay, std::string_view needle)
-    : hay_(hay), rest_(needle.substr(1)), lower_(char(foldCase(static_cast<unsigned char>(needle[0])))),
+    : hay_(hay), needle_(needle), rest_(needle.substr(1)),
+      lower_(char(foldCase(static_cast<unsigned char>(needle[0])))),
       upper_(char(upperCase(static_cast<unsigned char>(lower_)))),
-      end_(hay.size() >= needle.size() ? hay.size() - needle.size() + 1 : 0) {}
+      end_(hay.size() >= needle.size() ? hay.size() - needle.size() + 1 : 0),
+      exact_(std::all_of(needle.begin(), needle.end(), [](char c) {
+          auto b = static_cast<unsigned char>(c);
+          return foldCase(b) == b && upperCase(b) == b;
+      })) {}
 
 std::size_t CaselessFinder::find(std::size_t from) {
     if (from >= end_) return std::string_view::npos;
+    if (exact_) {
+        // No letter to fold (blanks and punctuation, as most clean-up steps look for): the
+        // library's search for a byte string is the fastest there is.
+        const void* found = ::memmem(hay_.data() + from, hay_.size() - from, needle_.data(), needle_.size());
+        return found ? std::size_t(static_cast<const char*>(found) - hay_.data()) : std::string_view::npos;
+    }
     if (nextLower_ == kUnknown || nextLower_ < from) nextLower_ = next(lower_, from);
     if (nextUpper_ == kUnknown || nextUpper_ < from)
         nextUpper_ = lower_ == upper_ ? end_ : next(upper_, from);

@@ -62,9 +62,10 @@ private:
     std::size_t next(char c, std::size_t at) const;
 
     static constexpr std::size_t kUnknown = std::string_view::npos;
-    std::string_view hay_, rest_;
+    std::string_view hay_, needle_, rest_;
     char lower_, upper_;
     std::size_t end_; // candidates start before this
+    bool exact_;      // the needle holds no letter
     std::size_t nextLower_ = kUnknown, nextUpper_ = kUnknown;
 };
 // Replaces every occurrence of search (ignoring case), left to right, without rescanning what

@@ -1,9 +1,12 @@
-// Times every command of Quillon on a synthetic master and reports median milliseconds, MB/s,
-// peak memory and the ratio to one plain read of the file.
-//   quillon_bench generate OUT.esm [--scale S]
-//   quillon_bench run FILE.esm [--runs N]
+// Times every command of Quillon on a synthetic master: in process (median milliseconds, MB/s,
+// peak memory and the ratio to one plain read of the file), then as whole processes beside `cat`,
+// `dd conv=fsync` and OpenMW's `esmtool clone`. Given a second, larger file it shows how each time
+// grows with the data.
+//   quillon_bench generate OUT.esm [--scale S] [--profile game|dense]
+//   quillon_bench run FILE.esm [LARGER.esm] [--runs N]
 //   quillon_bench one COMMAND FILE.esm        (one command in a fresh process, for its memory)
 #include "app/file_commands.h"
+#include "bench/processes.h"
 #include "bench/synthetic_master.h"
 #include "cleanup/morrowindize.h"
 #include "dialogue/dialogue_commands.h"
@@ -15,6 +18,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -131,10 +135,28 @@ double peakMegabytes(const char* self, const Command& c, const std::string& file
     return usage.ru_maxrss / 1024.0;
 }
 
-int run(const char* self, const std::string& file, int runs) {
+struct InProcess {
+    std::string name;
+    double ms;
+};
+
+// Peak memory of every command, each in a fresh process. Taken before anything is timed here:
+// a child starts with the resident pages of this process, which must still be few.
+std::vector<double> peaksInFreshProcesses(const char* self, const std::string& file) {
+    std::vector<double> peaks;
+    for (const Command& c : commands())
+        peaks.push_back(peakMegabytes(self, c, file));
+    return peaks;
+}
+
+std::vector<InProcess> timeInProcess(const std::string& file, int runs, const std::vector<double>& peaks,
+                                     const std::vector<InProcess>* first) {
     double megabytes = double(std::filesystem::file_size(file)) / (1024.0 * 1024.0);
-    std::printf("file %s: %.1f MB, median of %d runs\n\n", file.c_str(), megabytes, runs);
-    std::printf("%-18s %10s %10s %10s %12s\n", "command", "ms", "MB/s", "x read", "peak MB");
+    std::printf("\nin process on %s (%.1f MB), median of %d runs\n", file.c_str(), megabytes, runs);
+    std::printf("%-18s %10s %10s %10s %12s", "command", "ms", "MB/s", "x read", "peak MB");
+    if (first) std::printf(" %10s", "x first");
+    std::printf("\n");
+    std::vector<InProcess> figures;
     double readMs = 0;
     for (const Command& c : commands()) {
         std::vector<double> times;
@@ -143,12 +165,48 @@ int run(const char* self, const std::string& file, int runs) {
         std::sort(times.begin(), times.end());
         double median = times[times.size() / 2];
         if (std::strcmp(c.name, "read") == 0) readMs = median;
-        std::printf("%-18s %10.1f %10.0f %10.1f %12.1f\n", c.name, median, megabytes / (median / 1000.0),
-                    readMs > 0 ? median / readMs : 0.0, peakMegabytes(self, c, file));
+        figures.push_back({c.name, median});
+        std::printf("%-18s %10.1f %10.0f %10.1f %12.1f", c.name, median, megabytes / (median / 1000.0),
+                    readMs > 0 ? median / readMs : 0.0, peaks[figures.size() - 1]);
+        if (first) std::printf(" %10.2f", median / (*first)[figures.size() - 1].ms);
+        std::printf("\n");
         std::fflush(stdout);
     }
     for (const char* ext : {".esm", ".txt", ".out"})
         std::filesystem::remove(scratchBase() + ext);
+    return figures;
+}
+
+// OpenMW's esmtool, when this machine has it: $ESMTOOL, else the search path and /usr/games.
+std::string findEsmtool() {
+    if (const char* given = std::getenv("ESMTOOL")) return given;
+    std::string path = std::getenv("PATH") ? std::getenv("PATH") : "";
+    path += ":/usr/games";
+    for (std::size_t start = 0; start <= path.size();) {
+        std::size_t end = std::min(path.find(':', start), path.size());
+        std::filesystem::path candidate = std::filesystem::path(path.substr(start, end - start)) / "esmtool";
+        if (end > start && ::access(candidate.c_str(), X_OK) == 0) return candidate.string();
+        start = end + 1;
+    }
+    return "";
+}
+
+int run(const char* self, const std::vector<std::string>& files, int runs) {
+    // Everything that forks comes first, while this process is small.
+    std::vector<std::vector<double>> peaks;
+    for (const std::string& file : files)
+        peaks.push_back(peaksInFreshProcesses(self, file));
+    std::string quillon = (std::filesystem::path(self).parent_path() / "quillon").string();
+    std::string esmtool = findEsmtool();
+    std::vector<bench::ProcessRun> processes;
+    for (const std::string& file : files)
+        processes.push_back(bench::timeProcesses(quillon, esmtool, file, runs));
+
+    std::vector<std::vector<InProcess>> inProcess;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        inProcess.push_back(timeInProcess(files[i], runs, peaks[i], i ? &inProcess.front() : nullptr));
+    if (esmtool.empty()) std::printf("\n(esmtool not found: set ESMTOOL to compare with OpenMW's clone)\n");
+    bench::printProcesses(processes);
     return 0;
 }
 
@@ -157,15 +215,27 @@ int run(const char* self, const std::string& file, int runs) {
 int main(int argc, char** argv) {
     std::vector<std::string> args(argv + 1, argv + argc);
     if (args.size() >= 2 && args[0] == "generate") {
-        double scale = args.size() >= 4 && args[2] == "--scale" ? std::stod(args[3]) : 1.0;
-        std::string bytes = bench::syntheticMaster(scale);
+        double scale = 1.0;
+        const bench::Profile* profile = &bench::gameProfile();
+        for (std::size_t i = 2; i + 1 < args.size(); i += 2) {
+            if (args[i] == "--scale") scale = std::stod(args[i + 1]);
+            if (args[i] == "--profile" && args[i + 1] == "dense") profile = &bench::referenceDenseProfile();
+        }
+        std::string bytes = bench::syntheticMaster(*profile, scale);
         std::ofstream(args[1], std::ios::binary) << bytes;
         std::printf("%s: %.1f MB\n", args[1].c_str(), double(bytes.size()) / (1024.0 * 1024.0));
         return 0;
     }
     if (args.size() >= 2 && args[0] == "run") {
-        int runs = args.size() >= 4 && args[2] == "--runs" ? std::stoi(args[3]) : 5;
-        return run(argv[0], args[1], runs);
+        int runs = 5;
+        std::vector<std::string> files;
+        for (std::size_t i = 1; i < args.size(); ++i) {
+            if (args[i] == "--runs" && i + 1 < args.size())
+                runs = std::stoi(args[++i]);
+            else
+                files.push_back(args[i]);
+        }
+        return run(argv[0], files, runs);
     }
     if (args.size() == 3 && args[0] == "one") {
         for (const Command& c : commands())
@@ -174,6 +244,7 @@ int main(int argc, char** argv) {
             std::filesystem::remove(scratchBase() + ext);
         return 0;
     }
-    std::fprintf(stderr, "usage: quillon_bench generate OUT.esm [--scale S] | run FILE [--runs N]\n");
+    std::fprintf(stderr, "usage: quillon_bench generate OUT.esm [--scale S] [--profile game|dense] | run "
+                         "FILE [LARGER] [--runs N]\n");
     return 2;
 }

@@ -124,7 +124,8 @@ const char* const kPlaces[] = {"Guild of Mages", "Tradehouse", "Temple",      "C
 
 class Generator {
 public:
-    Generator(double scale, unsigned seed) : scale_(scale), random_(seed) {}
+    Generator(const Profile& profile, double scale, unsigned seed)
+        : profile_(profile), scale_(scale), random_(seed) {}
 
     std::string build() {
         std::vector<std::string> records;
@@ -132,42 +133,45 @@ public:
             for (int i = 0, n = scaled(count); i < n; ++i)
                 records.push_back(make(i));
         };
-        add(1428, [&](int i) {
+        // The game's objects, fewer in the reference-dense profile.
+        auto addObjects = [&](int count, auto&& make) { add(int(count * profile_.objectShare + 0.5), make); };
+        addObjects(1428, [&](int i) {
             return Rec("GMST").text("NAME", "iSetting" + std::to_string(i)).i32("INTV", i).bytes();
         });
-        add(73, [&](int i) {
+        addObjects(73, [&](int i) {
             return Rec("GLOB")
                 .z("NAME", "global" + std::to_string(i))
                 .sub("FNAM", "s")
                 .f("FLTV", float(i))
                 .bytes();
         });
-        add(77, [&](int i) {
+        addObjects(77, [&](int i) {
             return named("CLAS", i)
                 .z("FNAM", "Class")
                 .sub("CLDT", blob(60))
                 .text("DESC", prose(20, 200))
                 .bytes();
         });
-        add(22, [&](int i) {
+        addObjects(22, [&](int i) {
             Rec r = named("FACT", i);
             r.z("FNAM", "Faction " + std::to_string(i));
             for (int k = 0; k < 10; ++k)
                 r.sub("RNAM", fixed("Rank " + std::to_string(k), 32));
             return r.sub("FADT", blob(240)).bytes();
         });
-        add(10, [&](int i) {
+        addObjects(10, [&](int i) {
             return named("RACE", i)
                 .z("FNAM", "Race")
                 .sub("RADT", blob(140))
                 .text("DESC", prose(10, 80))
                 .bytes();
         });
-        add(430, [&](int i) { return named("SOUN", i).z("FNAM", "sound.wav").sub("DATA", blob(3)).bytes(); });
-        add(27, [&](int i) {
+        addObjects(
+            430, [&](int i) { return named("SOUN", i).z("FNAM", "sound.wav").sub("DATA", blob(3)).bytes(); });
+        addObjects(27, [&](int i) {
             return Rec("SKIL").i32("INDX", i).sub("SKDT", blob(24)).text("DESC", prose(10, 80)).bytes();
         });
-        add(137, [&](int i) {
+        addObjects(137, [&](int i) {
             return Rec("MGEF")
                 .i32("INDX", i)
                 .sub("MEDT", blob(36))
@@ -175,76 +179,85 @@ public:
                 .text("DESC", prose(5, 40))
                 .bytes();
         });
-        add(631, [&](int i) {
+        addObjects(631, [&](int i) {
             std::string source =
                 "Begin script" + std::to_string(i) + "\r\n" + prose(50, 2000) + "\r\nEnd\r\n";
+            int compiled = int(source.size() / 3);
             return Rec("SCPT")
-                .sub("SCHD", fixed("script" + std::to_string(i), 32) + std::string(20, '\0'))
-                .sub("SCDT", blob(int(source.size() / 3)))
+                .sub("SCHD", fixed("script" + std::to_string(i), 32) + std::string(12, '\0') +
+                                 le32(compiled) + le32(0))
+                .sub("SCDT", noise(compiled))
                 .text("SCTX", source)
                 .bytes();
         });
-        add(9, [&](int i) {
+        addObjects(9, [&](int i) {
             return named("REGN", i).z("FNAM", "Region").sub("WEAT", blob(10)).sub("CNAM", blob(4)).bytes();
         });
-        add(13,
-            [&](int i) { return named("BSGN", i).z("FNAM", "Sign").text("DESC", prose(10, 60)).bytes(); });
-        add(107, [&](int i) { return named("LTEX", i).i32("INTV", i).z("DATA", "texture.dds").bytes(); });
-        add(2788, [&](int i) {
+        addObjects(13, [&](int i) {
+            return named("BSGN", i).z("FNAM", "Sign").text("DESC", prose(10, 60)).bytes();
+        });
+        addObjects(107,
+                   [&](int i) { return named("LTEX", i).i32("INTV", i).z("DATA", "texture.dds").bytes(); });
+        addObjects(2788, [&](int i) {
             return named("STAT", i).z("MODL", "x\\static_" + std::to_string(i) + ".nif").bytes();
         });
-        add(140, [&](int i) { return item("DOOR", i).bytes(); });
-        add(536,
-            [&](int i) { return item("MISC", i).sub("MCDT", blob(12)).z("ITEX", "m\\misc.dds").bytes(); });
-        add(485,
-            [&](int i) { return item("WEAP", i).sub("WPDT", blob(32)).z("ITEX", "w\\weapon.dds").bytes(); });
-        add(890, [&](int i) {
+        addObjects(140, [&](int i) { return item("DOOR", i).bytes(); });
+        addObjects(536, [&](int i) {
+            return item("MISC", i).sub("MCDT", blob(12)).z("ITEX", "m\\misc.dds").bytes();
+        });
+        addObjects(485, [&](int i) {
+            return item("WEAP", i).sub("WPDT", blob(32)).z("ITEX", "w\\weapon.dds").bytes();
+        });
+        addObjects(890, [&](int i) {
             Rec r = item("CONT", i);
             r.sub("CNDT", f32(100)).i32("FLAG", 8);
             for (int k = 0; k < 5; ++k)
                 r.sub("NPCO", le32(1) + fixed("misc_" + std::to_string(k), 32));
             return r.bytes();
         });
-        add(982, [&](int i) {
+        addObjects(982, [&](int i) {
             return named("SPEL", i).z("FNAM", "Spell").sub("SPDT", blob(12)).sub("ENAM", blob(24)).bytes();
         });
-        add(708, [&](int i) {
+        addObjects(708, [&](int i) {
             return named("ENCH", i).sub("ENDT", blob(16)).sub("ENAM", blob(24)).sub("ENAM", blob(24)).bytes();
         });
-        add(1125, [&](int i) {
+        addObjects(1125, [&](int i) {
             return named("BODY", i).z("MODL", "b\\part.nif").z("FNAM", "Part").sub("BYDT", blob(4)).bytes();
         });
-        add(574, [&](int i) { return item("LIGH", i).sub("LHDT", blob(24)).bytes(); });
-        add(280, [&](int i) {
+        addObjects(574, [&](int i) { return item("LIGH", i).sub("LHDT", blob(24)).bytes(); });
+        addObjects(280, [&](int i) {
             return item("ARMO", i).sub("AODT", blob(24)).sub("INDX", "\x01").text("BNAM", "part").bytes();
         });
-        add(510, [&](int i) {
+        addObjects(510, [&](int i) {
             return item("CLOT", i).sub("CTDT", blob(12)).sub("INDX", "\x02").text("BNAM", "part").bytes();
         });
-        add(6, [&](int i) { return item("REPA", i).sub("RIDT", blob(16)).bytes(); });
-        add(697, [&](int i) { return item("ACTI", i).bytes(); });
-        add(22, [&](int i) { return item("APPA", i).sub("AADT", blob(16)).bytes(); });
-        add(6, [&](int i) { return item("LOCK", i).sub("LKDT", blob(16)).bytes(); });
-        add(6, [&](int i) { return item("PROB", i).sub("PBDT", blob(16)).bytes(); });
-        add(95, [&](int i) { return item("INGR", i).sub("IRDT", blob(56)).bytes(); });
-        add(574, [&](int i) {
-            return item("BOOK", i).sub("BKDT", blob(20)).text("TEXT", prose(200, pick(500, 42000))).bytes();
+        addObjects(6, [&](int i) { return item("REPA", i).sub("RIDT", blob(16)).bytes(); });
+        addObjects(697, [&](int i) { return item("ACTI", i).bytes(); });
+        addObjects(22, [&](int i) { return item("APPA", i).sub("AADT", blob(16)).bytes(); });
+        addObjects(6, [&](int i) { return item("LOCK", i).sub("LKDT", blob(16)).bytes(); });
+        addObjects(6, [&](int i) { return item("PROB", i).sub("PBDT", blob(16)).bytes(); });
+        addObjects(95, [&](int i) { return item("INGR", i).sub("IRDT", blob(56)).bytes(); });
+        addObjects(574, [&](int i) {
+            return item("BOOK", i)
+                .sub("BKDT", blob(20))
+                .text("TEXT", prose(200, pick(500, profile_.bookMax)))
+                .bytes();
         });
-        add(258, [&](int i) {
+        addObjects(258, [&](int i) {
             return item("ALCH", i)
                 .z("TEXT", "p\\potion.dds")
                 .sub("ALDT", blob(12))
                 .sub("ENAM", blob(24))
                 .bytes();
         });
-        add(227, [&](int i) { return leveled("LEVI", "INAM", i); });
-        add(116, [&](int i) { return leveled("LEVC", "CNAM", i); });
-        add(168, [&](int i) {
+        addObjects(227, [&](int i) { return leveled("LEVI", "INAM", i); });
+        addObjects(116, [&](int i) { return leveled("LEVC", "CNAM", i); });
+        addObjects(168, [&](int i) {
             return named("SNDG", i).i32("DATA", i % 8).z("SNAM", "sound_" + std::to_string(i)).bytes();
         });
-        npcs_ = scaled(2675);
-        add(2675, [&](int i) { return npc(i); });
-        add(260, [&](int i) {
+        npcs_ = scaled(int(2675 * profile_.objectShare + 0.5));
+        addObjects(2675, [&](int i) { return npc(i); });
+        addObjects(260, [&](int i) {
             return named("CREA", i)
                 .z("MODL", "r\\creature.nif")
                 .z("FNAM", "Creature")
@@ -255,13 +268,20 @@ public:
         });
         add(2538, [&](int i) { return cell(i); });
         add(1390, [&](int i) {
-            return Rec("LAND").sub("INTV", le32(i) + le32(-i)).sub("VHGT", blob(pick(20000, 30000))).bytes();
+            return Rec("LAND")
+                .sub("INTV", le32(i) + le32(-i))
+                .sub("VHGT", noise(pick(profile_.landMin, profile_.landMax)))
+                .bytes();
         });
-        add(1194, [&](int i) {
+        addObjects(1194, [&](int i) {
+            // 60 points of two connections each: 120 edges.
+            std::string point = blob(13) + "\x02" + blob(2), points;
+            for (int k = 0; k < 60; ++k)
+                points += point;
             return Rec("PGRD")
-                .sub("DATA", blob(12))
+                .sub("DATA", blob(10) + le16(60))
                 .z("NAME", cellName(i))
-                .sub("PGRP", blob(16 * 60))
+                .sub("PGRP", points)
                 .sub("PGRC", blob(4 * 120))
                 .bytes();
         });
@@ -278,7 +298,10 @@ public:
 private:
     int scaled(int count) const { return std::max(1, int(count * scale_ + 0.5)); }
     int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
-    std::string blob(int n) {
+    // Data blocks are zeros, which every reader of the format accepts (other engines check their
+    // flags and enumerations); land heights and compiled scripts are noise.
+    static std::string blob(int n) { return std::string(std::size_t(n), '\0'); }
+    std::string noise(int n) {
         std::string s(std::size_t(n), '\0');
         for (char& c : s)
             c = char(random_());
@@ -350,10 +373,10 @@ private:
             r.z("RGNN", "Region_" + std::to_string(i % 9));
         else
             r.sub("AMBI", blob(12) + f32(1));
-        int references = pick(20, 250);
+        int references = pick(profile_.referencesMin, profile_.referencesMax);
         for (int k = 0; k < references; ++k) {
-            std::string id =
-                k % 10 == 0 ? npcId(pick(0, npcs_ - 1)) : "STAT_" + std::to_string(pick(0, 2000));
+            std::string id = pick(1, 100) > profile_.staticPercent ? npcId(pick(0, npcs_ - 1))
+                                                                   : "STAT_" + std::to_string(pick(0, 2000));
             std::string ref = "FRMR" + le32(4) + le32(k + 1) + "NAME" + le32(std::int32_t(id.size() + 1)) +
                               id + std::string(1, '\0');
             if (k % 4 == 0) ref += "XSCL" + le32(4) + f32(1.0f);
@@ -364,7 +387,7 @@ private:
         return r.bytes();
     }
     void dialogue(std::vector<std::string>& records) {
-        int topics = scaled(3000), responses = scaled(25000), id = 1;
+        int topics = scaled(3000), responses = scaled(profile_.responses), id = 1;
         for (int t = 0; t < topics; ++t) {
             int type = t % 10 == 0 ? 4 : t % 25 == 1 ? 2 : 0;
             std::string topic = (type == 2 ? "Greeting " : "topic ") + std::to_string(t);
@@ -390,6 +413,7 @@ private:
         }
     }
 
+    Profile profile_;
     double scale_;
     std::mt19937 random_;
     int npcs_ = 1;
@@ -397,8 +421,25 @@ private:
 
 } // namespace
 
-std::string syntheticMaster(double scale, unsigned seed) {
-    return Generator(scale, seed).build();
+const Profile& gameProfile() {
+    static const Profile game{};
+    return game;
+}
+
+const Profile& referenceDenseProfile() {
+    static const Profile dense{.referencesMin = 40,
+                               .referencesMax = 260,
+                               .staticPercent = 93,
+                               .landMin = 29000,
+                               .landMax = 31000,
+                               .responses = 24000,
+                               .bookMax = 2000,
+                               .objectShare = 0.66};
+    return dense;
+}
+
+std::string syntheticMaster(const Profile& profile, double scale, unsigned seed) {
+    return Generator(profile, scale, seed).build();
 }
 
 } // namespace quillon::bench

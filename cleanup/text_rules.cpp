@@ -1,7 +1,9 @@
 #include "cleanup/text_rules.h"
 
 #include "app/text.h"
+#include "cleanup/row_matcher.h"
 
+#include <algorithm>
 #include <bitset>
 #include <vector>
 
@@ -173,102 +175,49 @@ void capitaliseSentences(std::string& text, bool isEllipsis) {
     }
 }
 
-// A row can match only if every run of three neighbouring bytes of its search text (two for the
-// shortest rows), letters folded, occurs in the text. A bit set of the text's runs rules out
-// nearly every row at once; only rows that pass are searched for.
-constexpr std::size_t kFilterBits = 1 << 15;
-using RunSet = std::bitset<kFilterBits>;
-
-std::uint16_t runKey(std::string_view s, std::size_t at, std::size_t length) {
-    std::size_t h = 0;
-    for (std::size_t i = 0; i < length; ++i)
-        h = h * 131 + foldCase(static_cast<unsigned char>(s[at + i]));
-    return std::uint16_t((h * 2654435761u >> 7) & (kFilterBits - 1));
-}
-
-struct PreparedRow {
-    std::string_view search, replacement;
-    bool templeOnly;
-    std::vector<std::uint16_t> keys;
-};
-
-// The rows of a table with their keys, worked out once.
-const std::vector<PreparedRow>& prepared(std::span<const WordRow> rows) {
-    static std::vector<std::pair<const WordRow*, std::vector<PreparedRow>>> cache;
-    for (const auto& [first, table] : cache)
-        if (first == rows.data()) return table;
-    std::vector<PreparedRow> table;
-    for (const WordRow& row : rows) {
-        PreparedRow p{row.search, row.replacement, row.templeOnly, {}};
-        std::size_t length = std::min<std::size_t>(3, p.search.size());
-        for (std::size_t i = 0; i + length <= p.search.size() && length >= 2; ++i)
-            p.keys.push_back(runKey(p.search, i, length));
-        table.push_back(std::move(p));
+// The rows of one table in order, each over the result of the ones before. The occurrences of
+// every row are found in one pass. Most rows only set the letter case of their text, which
+// moves nothing and makes or breaks no match (matching ignores case): their occurrences stay
+// true and are rewritten where they stand, the leftmost first and none overlapping the one
+// before, as a search from left to right takes them. A row that changes more is replaced through
+// the text, and the occurrences of the rows after it are found again.
+void applyRows(std::string& text, std::span<const WordRow> rows, bool temple) {
+    const RowMatcher& matcher = matcherFor(rows);
+    thread_local std::vector<RowMatcher::Occurrence> found;
+    auto findAll = [&] {
+        found.clear();
+        matcher.find(text, found);
+        std::sort(found.begin(), found.end());
+    };
+    findAll();
+    for (std::size_t i = 0; i < found.size();) {
+        const WordRow& row = rows[found[i].row];
+        std::size_t rowEnd = i;
+        while (rowEnd < found.size() && found[rowEnd].row == found[i].row)
+            ++rowEnd;
+        std::string_view search = row.search, replacement = row.replacement;
+        if (row.templeOnly && !temple) {
+            i = rowEnd;
+        } else if (search.size() == replacement.size() && equalsIgnoreCase(search, replacement)) {
+            for (std::size_t free = 0; i < rowEnd; ++i)
+                if (found[i].start >= free) {
+                    text.replace(found[i].start, replacement.size(), replacement);
+                    free = found[i].start + search.size();
+                }
+        } else {
+            std::uint32_t done = found[i].row;
+            replaceAllIgnoreCase(text, search, replacement);
+            findAll();
+            i = std::size_t(std::upper_bound(found.begin(), found.end(), RowMatcher::Occurrence{done, ~0u}) -
+                            found.begin());
+        }
     }
-    cache.emplace_back(rows.data(), std::move(table));
-    return cache.back().second;
-}
-
-// Adds the runs of two and of three bytes that start in [from, to) of the text.
-void addRuns(const std::string& text, std::size_t from, std::size_t to, RunSet& runs) {
-    for (std::size_t i = from; i < to && i + 2 <= text.size(); ++i) {
-        runs.set(runKey(text, i, 2));
-        if (i + 3 <= text.size()) runs.set(runKey(text, i, 3));
-    }
-}
-
-// Replaces every occurrence as replaceAllIgnoreCase does and adds to runs those the inserted
-// texts make, so that runs still holds every run of the text (and perhaps some it lost).
-void replaceRow(std::string& text, const PreparedRow& row, RunSet& runs) {
-    if (row.search.empty()) return;
-    CaselessFinder finder(text, row.search);
-    std::size_t at = finder.find(0);
-    if (at == std::string::npos) return;
-    std::string out;
-    out.reserve(text.size() + row.replacement.size());
-    std::vector<std::size_t> inserted;
-    std::size_t from = 0;
-    for (; at != std::string::npos; at = finder.find(from)) {
-        out.append(text, from, at - from);
-        inserted.push_back(out.size());
-        out.append(row.replacement);
-        from = at + row.search.size();
-    }
-    out.append(text, from, std::string::npos);
-    text.swap(out);
-    for (std::size_t start : inserted)
-        addRuns(text, start >= 2 ? start - 2 : 0, start + row.replacement.size() + 1, runs);
-}
-
-} // namespace
-
-namespace {
-
-// The rows of one table over a text whose runs are all in present.
-void applyRows(std::string& text, std::span<const WordRow> rows, bool temple, RunSet& present) {
-    for (const PreparedRow& row : prepared(rows)) {
-        if ((row.templeOnly && !temple) || row.search.size() > text.size()) continue;
-        bool possible = true;
-        for (std::uint16_t key : row.keys)
-            if (!present.test(key)) {
-                possible = false;
-                break;
-            }
-        if (possible) replaceRow(text, row, present);
-    }
-}
-
-RunSet& runsOf(const std::string& text) {
-    thread_local RunSet runs;
-    runs.reset();
-    addRuns(text, 0, text.size(), runs);
-    return runs;
 }
 
 } // namespace
 
 void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple) {
-    applyRows(text, rows, temple, runsOf(text));
+    applyRows(text, rows, temple);
 }
 
 std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quoteParity) {
@@ -281,10 +230,9 @@ std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quot
     punctuationSpacing(t);
     if (s.isSpaceQuotes) quoteSpacing(t, quoteParity);
     spacingCleanUp(t);
-    RunSet& runs = runsOf(text); // kept up to date through all three tables
-    if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple, runs);
-    applyRows(text, properNames(), s.isTemple, runs);
-    if (s.isSlang) applyRows(text, slang(), s.isTemple, runs);
+    if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple);
+    applyRows(text, properNames(), s.isTemple);
+    if (s.isSlang) applyRows(text, slang(), s.isTemple);
     if (s.isSentences) capitaliseSentences(text, s.isEllipsis);
     return text;
 }

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <new>
 
 namespace quillon {
@@ -317,9 +318,21 @@ bool setUnknownMode(CliDialogs& dialogs, const std::string& mode) {
     return true;
 }
 
+// Holds on to a finished command's context when its records are left to the process's exit; kept
+// reachable here, it is not a leak.
+Context* leftForExit = nullptr;
+
+struct LeftToExit {
+    std::unique_ptr<Context>& held;
+    bool leave;
+    ~LeftToExit() {
+        if (leave) leftForExit = held.release();
+    }
+};
+
 } // namespace
 
-int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err, Teardown teardown) {
     if (!args.empty() && args[0] == "--version") {
         out << "quillon " << QUILLON_VERSION << "\n";
         return 0;
@@ -355,7 +368,9 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
                 << kUsage;
             return 2;
         }
-        Context c{parsed, out, err, {}, {}};
+        std::unique_ptr<Context> held(new Context{parsed, out, err, {}, {}});
+        LeftToExit left{held, teardown == Teardown::LeaveToExit};
+        Context& c = *held;
         if (!setUnknownMode(c.dialogs, parsed.value("--unknown"))) {
             err << "quillon: --unknown takes ask, yes, no or yes-to-all\n";
             return 2;

@@ -31,7 +31,7 @@ using TypeCounts = std::array<std::size_t, kTypes>;
 
 // The records of each type, from a walk of the record headers. A file whose sizes mislead gives
 // smaller counts, and its arrays then grow as usual.
-TypeCounts countRecords(const std::string& bytes) {
+TypeCounts countRecords(std::string_view bytes) {
     TypeCounts counts{};
     for (std::size_t p = 0; p + 16 <= bytes.size();) {
         Tag t;
@@ -92,42 +92,6 @@ bool hasDataFileName(const std::string& path) {
     return first2 == "ES";
 }
 
-std::string loadFile(const std::string& path, std::string& error) {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    fs::file_status status = fs::status(path, ec);
-    if (ec || !fs::exists(status)) {
-        error = "the file does not exist";
-        return {};
-    }
-    if (fs::is_directory(status)) {
-        error = "it is a folder, not a file";
-        return {};
-    }
-    // A pipe would block the read forever and a device could be endless: only ordinary files.
-    if (!fs::is_regular_file(status)) {
-        error = "it is not an ordinary file";
-        return {};
-    }
-    std::FILE* f = std::fopen(path.c_str(), "rb");
-    if (!f) {
-        error = "the file cannot be opened";
-        return {};
-    }
-    std::string bytes;
-    std::uintmax_t size = fs::file_size(path, ec);
-    if (!ec && size > 0) bytes.resize(size);
-    std::size_t got = bytes.empty() ? 0 : std::fread(bytes.data(), 1, bytes.size(), f);
-    bool failed = std::ferror(f) != 0;
-    std::fclose(f);
-    if (failed) {
-        error = "the file cannot be read";
-        return {};
-    }
-    bytes.resize(got);
-    return bytes;
-}
-
 double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& recordCount, bool trimAtEnd,
                   Prompts& prompts, ReadDiagnostics* diagnostics) {
     if (!hasDataFileName(path)) {
@@ -137,8 +101,8 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
     }
     Clock::time_point start = Clock::now();
     std::string error;
-    std::string bytes = loadFile(path, error);
-    if (!error.empty()) {
+    std::shared_ptr<const SourceBytes> bytes = loadSource(path, error);
+    if (!bytes) {
         // Unlike a refused name, nothing is read; the store stays as it was.
         std::string name = std::filesystem::path(path).filename().string();
         prompts.tell("Cannot read \"" + name + "\": " + error + ".");
@@ -147,18 +111,24 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
         return -1;
     }
     double loadMs = msSince(start);
-    double ms = ReadESBuffer(store, std::move(bytes), recordCount, trimAtEnd, prompts, diagnostics);
+    double ms = readSource(store, std::move(bytes), recordCount, trimAtEnd, prompts, diagnostics);
     return ms > 0 ? ms + loadMs : ms;
 }
 
 double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordCount, bool trimAtEnd,
                     Prompts& prompts, ReadDiagnostics* diagnostics) {
+    return readSource(store, std::make_shared<const SourceBytes>(std::move(bytes)), recordCount, trimAtEnd,
+                      prompts, diagnostics);
+}
+
+double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source, std::int32_t& recordCount,
+                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
+    std::string_view bytes(source->data(), source->size());
     TypeCounts counts = countRecords(bytes);
     refuseIfOversized(counts, bytes.size());
     ClearRecords(store);
-    auto source = std::make_shared<const std::string>(std::move(bytes));
     store.source = source;
     std::size_t size = source->size();
     reserveArrays(store, counts);

@@ -1,6 +1,7 @@
 #pragma once
 #include "records/prompts.h"
 #include "records/record_store.h"
+#include "records/source_bytes.h"
 
 #include <cstdint>
 #include <string>
@@ -25,10 +26,11 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
 double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordCount, bool trimAtEnd,
                     Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
 
+// Reads a data file already loaded; the store keeps the bytes.
+double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source, std::int32_t& recordCount,
+                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
+
 // True when the path's extension begins with "ES", as data files' extensions do.
 bool hasDataFileName(const std::string& path);
-
-// The whole file as bytes; empty with error set when it cannot be read.
-std::string loadFile(const std::string& path, std::string& error);
 
 } // namespace quillon

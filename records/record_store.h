@@ -1,6 +1,7 @@
 #pragma once
 #include "records/es_types.h"
 #include "records/record_types.h"
+#include "records/source_bytes.h"
 
 #include <memory>
 #include <string>
@@ -22,7 +23,7 @@ struct RecordStore {
     std::vector<RawRecord> Unknown;
 
     // The bytes of the file read, which the raw records point into.
-    std::shared_ptr<const std::string> source;
+    std::shared_ptr<const SourceBytes> source;
 
     // NAME of the last DIAL read or written; stamps each INFO read after it.
     std::string CurrentTopic;

@@ -193,11 +193,26 @@ TEST(TextRules, FastPathsAgreeWithTheLiteralRules) {
         "&",       "(",      "}",       "\r\n", "  ",   "\t",   "temple", "daedra", "zanib camp",
         "Gro - ",  "well",   "maybe",   "yes",  "a",    "I",    "fuc\a ", "IMO",    "sea of ghosts",
         "balmora", "x",      ";",       ":",    "\xe9", "dude", "khul ",  " odai"};
+    // Besides the pieces, search texts of the tables in any letter case, whole or halved, so that
+    // a replacement can make or join another row's text.
+    std::vector<std::string_view> searches;
+    for (auto table : {americanSpelling(), properNames(), slang()})
+        for (const WordRow& row : table)
+            searches.push_back(row.search);
     std::mt19937 random(7);
-    for (int i = 0; i < 3000; ++i) {
+    auto tableText = [&] {
+        std::string_view search = searches[random() % searches.size()];
+        std::string text(random() % 3   ? search
+                         : random() % 2 ? search.substr(0, search.size() / 2)
+                                        : search.substr(search.size() / 2));
+        for (char& c : text)
+            if (random() % 4 == 0) c = char(std::toupper(static_cast<unsigned char>(c)));
+        return text;
+    };
+    for (int i = 0; i < 6000; ++i) {
         std::string text;
         for (int n = random() % 25; n > 0; --n)
-            text += pieces[random() % std::size(pieces)];
+            text += random() % 3 ? std::string(pieces[random() % std::size(pieces)]) : tableText();
         CleanupSettings s;
         for (bool* flag : {&s.isLineBreaks, &s.isAmerican, &s.isSentences, &s.isSpaceQuotes, &s.isSlang,
                            &s.isTemple, &s.isDashes, &s.isEllipsis, &s.isSquare, &s.isDashSpaces})

@@ -111,6 +111,46 @@ TEST(Corpus, SavingIsFaithfulAndIdempotent) {
     }
 }
 
+// The command line maps files instead of copying them: every file must read and write the same
+// either way, and a store must keep its bytes when a save replaces the file it was mapped from.
+TEST(Corpus, MappedFilesReadAndSaveAsCopiedOnes) {
+    QUILLON_NEED_CORPUS();
+    struct Restore {
+        ~Restore() { setLoading(Loading::Copy); }
+    } restore;
+    auto saveThrough = [](Loading loading, const std::string& path) {
+        setLoading(loading);
+        RecordStore store;
+        ScriptedPrompts prompts;
+        prompts.replies = {Reply::Cancel};
+        std::int32_t count = 0;
+        EXPECT_GT(ReadESFile(store, path, count, true, prompts), 0);
+        return serialiseStore(store, count, fileTypeFor(path), prompts);
+    };
+    for (const std::string& path : corpusFiles()) {
+        SCOPED_TRACE(name(path));
+        EXPECT_TRUE(saveThrough(Loading::Map, path) == saveThrough(Loading::Copy, path));
+    }
+
+    std::string plugin;
+    for (const std::string& path : corpusFiles())
+        if (plugin.empty() && !kCountChanges.count(name(path)) && fileTypeFor(path) == 0) plugin = path;
+    ASSERT_FALSE(plugin.empty());
+    TempDir dir;
+    std::string path = dir.write("Mapped.esp", readAll(plugin));
+    setLoading(Loading::Map);
+    RecordStore store;
+    ScriptedPrompts prompts;
+    prompts.replies = {Reply::Cancel};
+    std::int32_t count = 0;
+    ASSERT_GT(ReadESFile(store, path, count, true, prompts), 0);
+    std::string before = serialiseStore(store, count, fileTypeFor(path), prompts);
+    ASSERT_EQ(WriteESFile(store, path, count, prompts).status, WriteResult::Written);
+    ASSERT_EQ(WriteESFile(store, path, count, prompts).status, WriteResult::Written);
+    EXPECT_TRUE(serialiseStore(store, count, fileTypeFor(path), prompts) == before);
+    EXPECT_TRUE(readAll(path) == before);
+}
+
 // Records that differ from their source after a save, each for a reason the writer states.
 TEST(Corpus, RecordsComeBackByteForByteBarTheStatedAsymmetries) {
     QUILLON_NEED_CORPUS();

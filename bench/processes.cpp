@@ -1,0 +1,143 @@
+#include "bench/processes.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quillon::bench {
+
+namespace {
+
+struct Spawned {
+    double ms = 0;
+    double peakMb = 0;
+    bool ok = false;
+};
+
+// One process with its output thrown away; its wall time and resident peak.
+Spawned spawn(const std::vector<std::string>& argv) {
+    std::vector<char*> args;
+    for (const std::string& a : argv)
+        args.push_back(const_cast<char*>(a.c_str()));
+    args.push_back(nullptr);
+    auto start = std::chrono::steady_clock::now();
+    pid_t child = ::fork();
+    if (child == 0) {
+        int null = ::open("/dev/null", O_RDWR);
+        ::dup2(null, 0);
+        ::dup2(null, 1);
+        ::dup2(null, 2);
+        ::execv(args[0], args.data());
+        ::_exit(127);
+    }
+    int status = 0;
+    struct rusage usage {};
+    ::wait4(child, &status, 0, &usage);
+    Spawned s;
+    s.ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    s.peakMb = usage.ru_maxrss / 1024.0;
+    s.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return s;
+}
+
+struct Step {
+    std::string name;
+    std::vector<std::string> argv;
+    std::string output; // removed before each run, so that every run writes a new file
+};
+
+double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+} // namespace
+
+const ProcessFigures* ProcessRun::find(const std::string& name) const {
+    for (const ProcessFigures& f : figures)
+        if (f.name == name) return &f;
+    return nullptr;
+}
+
+ProcessRun timeProcesses(const std::string& quillon, const std::string& esmtool, const std::string& file,
+                         int runs) {
+    // Outputs beside the input, so that the yardstick writes to the same disk as Save.
+    std::string base = file + ".bench-" + std::to_string(::getpid());
+    std::string saved = base + ".save.esm", copied = base + ".dd.esm", cleaned = base + ".clean.esm",
+                cloned = base + ".clone.esm";
+    std::vector<Step> steps = {
+        {"cat", {"/bin/cat", file}, ""},
+        {"quillon counts", {quillon, "counts", file}, ""},
+        {"quillon save", {quillon, "save", file, "-o", saved}, saved},
+        {"dd bs=8M conv=fsync", {"/bin/dd", "if=" + saved, "of=" + copied, "bs=8M", "conv=fsync"}, copied},
+        {"quillon morrowindize --all", {quillon, "morrowindize", file, "-o", cleaned, "--all"}, cleaned},
+    };
+    if (!esmtool.empty()) steps.push_back({"esmtool clone", {esmtool, "clone", file, cloned}, cloned});
+
+    ProcessRun run;
+    run.file = file;
+    run.fileMb = double(std::filesystem::file_size(file)) / (1024.0 * 1024.0);
+    std::vector<std::vector<double>> times(steps.size());
+    std::vector<double> peaks(steps.size(), 0);
+    for (int round = 0; round < runs; ++round) {
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (!steps[i].output.empty()) std::filesystem::remove(steps[i].output);
+            Spawned s = spawn(steps[i].argv);
+            if (!s.ok) std::fprintf(stderr, "warning: \"%s\" failed\n", steps[i].name.c_str());
+            times[i].push_back(s.ms);
+            peaks[i] = std::max(peaks[i], s.peakMb);
+        }
+    }
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        run.figures.push_back({steps[i].name, median(times[i]), peaks[i]});
+        if (!steps[i].output.empty()) std::filesystem::remove(steps[i].output);
+    }
+    return run;
+}
+
+namespace {
+
+double ms(const ProcessRun& run, const char* name) {
+    const ProcessFigures* f = run.find(name);
+    return f ? f->ms : 0;
+}
+
+void printTargets(const ProcessRun& run) {
+    double cat = ms(run, "cat"), open = ms(run, "quillon counts"), save = ms(run, "quillon save");
+    double dd = ms(run, "dd bs=8M conv=fsync"), clean = ms(run, "quillon morrowindize --all");
+    double peak = run.find("quillon counts")->peakMb;
+    std::printf("  Open: %.1fx cat (target <= 7), peak memory %.2fx the file (target <= 1.5)\n", open / cat,
+                peak / run.fileMb);
+    std::printf("  what Save adds to Open: %.0f ms, %.2fx dd (target <= 1.5)\n", save - open,
+                (save - open) / dd);
+    std::printf("  Morrowindize --all: %.2fx Open + Save (target <= 1)\n", clean / save);
+    if (double clone = ms(run, "esmtool clone"); clone > 0)
+        std::printf("  esmtool clone: %.1fx the time of quillon save (target >= 20)\n", clone / save);
+}
+
+} // namespace
+
+void printProcesses(const std::vector<ProcessRun>& runs) {
+    for (const ProcessRun& run : runs) {
+        double cat = ms(run, "cat");
+        std::printf("\nwhole processes on %s (%.1f MB)\n", run.file.c_str(), run.fileMb);
+        std::printf("%-28s %10s %10s %10s %10s", "process", "ms", "x cat", "peak MB", "x file");
+        if (&run != &runs.front()) std::printf(" %10s", "x first");
+        std::printf("\n");
+        for (const ProcessFigures& f : run.figures) {
+            std::printf("%-28s %10.1f %10.1f %10.1f %10.2f", f.name.c_str(), f.ms, f.ms / cat, f.peakMb,
+                        f.peakMb / run.fileMb);
+            if (&run != &runs.front()) std::printf(" %10.2f", f.ms / ms(runs.front(), f.name.c_str()));
+            std::printf("\n");
+        }
+        printTargets(run);
+    }
+}
+
+} // namespace quillon::bench
