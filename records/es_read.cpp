@@ -29,6 +29,24 @@ enum TypeIndex : std::size_t {
 };
 using TypeCounts = std::array<std::size_t, kTypes>;
 
+// Hands back the pages of a mapped file a walk has passed, a few megabytes at a time: the
+// records point into the file, but its bytes need not stay in the process, so that opening a
+// file takes memory for its structures and not for the file as well.
+class PassedBytes {
+public:
+    explicit PassedBytes(const SourceBytes& source) : source_(source) {}
+    void reached(std::size_t at) {
+        if (at < released_ + kStep) return;
+        source_.release(released_, at);
+        released_ = at;
+    }
+
+private:
+    static constexpr std::size_t kStep = std::size_t(8) << 20;
+    const SourceBytes& source_;
+    std::size_t released_ = 0;
+};
+
 // The records of each type, from a walk of the record headers. A file whose sizes mislead gives
 // smaller counts, and its arrays then grow as usual.
 TypeCounts countRecords(std::string_view bytes) {
@@ -125,16 +143,16 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
                   bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
-    std::string_view bytes(source->data(), source->size());
-    TypeCounts counts = countRecords(bytes);
-    refuseIfOversized(counts, bytes.size());
+    TypeCounts counts = countRecords(std::string_view(source->data(), source->size()));
+    refuseIfOversized(counts, source->size());
     ClearRecords(store);
     store.source = source;
     std::size_t size = source->size();
     reserveArrays(store, counts);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
+    PassedBytes passed(*source);
     // A record needs more than its tag: four bytes or fewer left over are passed over.
-    while (!in.failed() && in.remaining() > 4) {
+    for (; !in.failed() && in.remaining() > 4; passed.reached(in.pos())) {
         Tag t = in.peekTag();
         switch (t) {
 #define QUILLON_DISPATCH(T, Record, read, ...)                                                               \

@@ -1,6 +1,7 @@
 #include "records/source_bytes.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 
@@ -59,6 +60,14 @@ std::shared_ptr<const SourceBytes> mapped(const std::string& path, std::string& 
 
 SourceBytes::~SourceBytes() {
     if (mapped_) ::munmap(const_cast<char*>(bytes_.data()), bytes_.size());
+}
+
+void SourceBytes::release(std::size_t from, std::size_t to) const {
+    if (!mapped_) return;
+    static const std::size_t page = std::size_t(::sysconf(_SC_PAGESIZE));
+    auto start = reinterpret_cast<std::uintptr_t>(bytes_.data());
+    std::uintptr_t first = (start + from + page - 1) / page * page, last = (start + to) / page * page;
+    if (first < last) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_DONTNEED);
 }
 
 void setLoading(Loading l) {

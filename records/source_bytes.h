@@ -17,6 +17,9 @@ public:
 
     const char* data() const { return bytes_.data(); }
     std::size_t size() const { return bytes_.size(); }
+    // The bytes in [from, to) are passed and not needed soon: a mapping hands their pages back,
+    // and they come back from the system's file cache when read again. A copy keeps them.
+    void release(std::size_t from, std::size_t to) const;
 
 private:
     std::string copy_;
