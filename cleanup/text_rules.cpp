@@ -13,8 +13,8 @@ namespace {
 
 const char* const kQuoteMarker = "XXThisIsAQuoteXX";
 
-// The response being cleaned and the bytes it may hold (letters folded): a step whose first byte
-// is not among them cannot match and is passed over. Inserted texts add their bytes, so the set
+// The response being cleaned and the bytes it may hold (letters folded): a step looking for a
+// byte not among them cannot match and is passed over. Inserted texts add their bytes, so the set
 // never misses a byte the text holds.
 class Text {
 public:
@@ -48,7 +48,10 @@ public:
 
 private:
     bool mayHold(std::string_view search) const {
-        return !search.empty() && present_.test(foldCase(static_cast<unsigned char>(search[0])));
+        if (search.empty()) return false;
+        for (char c : search)
+            if (!present_.test(foldCase(static_cast<unsigned char>(c)))) return false;
+        return true;
     }
     void note(std::string_view added) {
         for (char c : added)
@@ -220,7 +223,7 @@ void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple
     applyRows(text, rows, temple);
 }
 
-std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quoteParity) {
+void cleanBeforeQuotes(std::string& text, const CleanupSettings& s) {
     Text t(text);
     if (s.isLineBreaks) t.all("\r\n", " ");
     normaliseCharacters(t);
@@ -228,12 +231,27 @@ std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quot
     ampersandAndDashCharacters(t);
     dashes(t, s);
     punctuationSpacing(t);
-    if (s.isSpaceQuotes) quoteSpacing(t, quoteParity);
+}
+
+void spaceQuotes(std::string& text, const CleanupSettings& s, bool& quoteParity) {
+    if (!s.isSpaceQuotes) return;
+    Text t(text);
+    quoteSpacing(t, quoteParity);
+}
+
+void cleanAfterQuotes(std::string& text, const CleanupSettings& s) {
+    Text t(text);
     spacingCleanUp(t);
     if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple);
     applyRows(text, properNames(), s.isTemple);
     if (s.isSlang) applyRows(text, slang(), s.isTemple);
     if (s.isSentences) capitaliseSentences(text, s.isEllipsis);
+}
+
+std::string cleanResponse(std::string text, const CleanupSettings& s, bool& quoteParity) {
+    cleanBeforeQuotes(text, s);
+    spaceQuotes(text, s, quoteParity);
+    cleanAfterQuotes(text, s);
     return text;
 }
 

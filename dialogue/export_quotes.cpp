@@ -2,8 +2,10 @@
 #include "dialogue/dialogue_commands.h"
 #include "writer/safe_file.h"
 
+#include <algorithm>
 #include <functional>
 #include <unordered_map>
+#include <utility>
 
 namespace quillon {
 
@@ -88,6 +90,20 @@ private:
 // The first limit bytes of fillPlaceholders(text, s), expanding no further than they need: a
 // text of many placeholders and long names would otherwise grow a thousandfold before the cut.
 std::string fillPlaceholdersUpTo(std::string_view text, const Speaker& s, std::size_t limit) {
+    // Most texts hold no placeholder, or one whose filling stays small: those are filled whole and
+    // cut, and only the few that could grow out of bounds go through the byte stream below.
+    if (text.find('%') == std::string_view::npos) return std::string(text.substr(0, limit));
+    std::size_t bound = text.size();
+    for (auto [search, replacement] : {std::pair<std::string_view, std::size_t>{"%class", s.cls.size()},
+                                       {"%race", s.race.size()},
+                                       {"%Faction", s.faction.size()},
+                                       {"%Name", s.name.size()}})
+        bound += bound / search.size() * replacement;
+    if (bound <= (std::size_t(64) << 10)) {
+        std::string filled = fillPlaceholders(std::string(text), s);
+        filled.resize(std::min(filled.size(), limit));
+        return filled;
+    }
     std::size_t at = 0;
     Replacing cls([&] { return at < text.size() ? static_cast<unsigned char>(text[at++]) : -1; }, "%class",
                   s.cls);

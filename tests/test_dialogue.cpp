@@ -260,7 +260,8 @@ TEST(ExportQuotes, DeliberatelyReplacedWholeAndFailuresReported) {
     EXPECT_NE(f.dialogs.messages.back().find("could not be written"), std::string::npos);
 }
 
-// The quote file's text is the filled text cut to its field, found without filling all of it.
+// The quote file's text is the filled text cut to its field: filled whole when that stays small,
+// found without filling all of it when it could grow out of bounds.
 TEST(ExportQuotes, KestrelTextIsTheFilledTextCutToItsField) {
     std::string npc = Rec("NPC_")
                           .z("NAME", "a")
@@ -268,19 +269,24 @@ TEST(ExportQuotes, KestrelTextIsTheFilledTextCutToItsField) {
                           .z("RNAM", "Dark Elf")
                           .z("CNAM", "%name")
                           .bytes();
-    std::string text;
+    std::string growing;
     for (int i = 0; i < 3000; ++i)
-        text += i % 3 ? "%Name %nAmE " : "%class, %Faction; %%race ";
-    Fixture f({{"1", "a", text}}, {npc});
-    f.dialogs.savePaths = {f.dir.file("q.xml")};
-    f.dialogs.inputs = {"Vivec"};
-    ExportQuotesXml(f.session, f.dialogs);
-    std::string xml = readAll(f.dir.file("q.xml"));
-    std::string filled = xml.substr(xml.find("<text>") + 6, 512);
-    f.dialogs.savePaths = {f.dir.file("q.kst")};
-    f.dialogs.inputs = {"Vivec"};
-    ExportQuotesKst(f.session, f.dialogs);
-    EXPECT_EQ(readAll(f.dir.file("q.kst")).substr(64, 512), filled);
+        growing += i % 3 ? "%Name %nAmE " : "%class, %Faction; %%race ";
+    for (const std::string& text : {growing, std::string("%class and %Name, a %race.")}) {
+        Fixture f({{"1", "a", text}}, {npc});
+        f.dialogs.savePaths = {f.dir.file("q.xml")};
+        f.dialogs.inputs = {"Vivec"};
+        ExportQuotesXml(f.session, f.dialogs);
+        std::string xml = readAll(f.dir.file("q.xml"));
+        std::string filled = xml.substr(xml.find("<text>") + 6, 512);
+        filled = filled.substr(0, filled.find("</text>"));
+        f.dialogs.savePaths = {f.dir.file("q.kst")};
+        f.dialogs.inputs = {"Vivec"};
+        ExportQuotesKst(f.session, f.dialogs);
+        std::string kst = readAll(f.dir.file("q.kst")).substr(64, 512);
+        EXPECT_EQ(kst.substr(0, kst.find('\0')), filled);
+        EXPECT_GT(filled.size(), text.size() < 100 ? 500u : 511u);
+    }
 }
 
 TEST(Corpus, ExportThenImportChangesNothing) {
