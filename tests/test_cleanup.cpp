@@ -277,3 +277,33 @@ TEST(Morrowindize, LogsCountsAndLimits) {
     EXPECT_NE(s.log.caption().find("-All dialogues in \"m.esp\" are already Morrowindish."),
               std::string::npos);
 }
+
+// A file large enough to be cleaned side by side gives what cleaning one response after the other
+// gives, the quote spacing's parity carried across all of them.
+TEST(Morrowindize, ManyResponsesCleanAsOneAfterTheOther) {
+    const char* pieces[] = {"vivec ", "armour ", "gonna ", "well ,", "--", "n'wah ", "Seyda neen", "..."};
+    std::mt19937 random(11);
+    std::vector<std::string> texts;
+    std::string bytes = file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes()});
+    for (int i = 0; i < 6000; ++i) {
+        // One quote mark in every response but the first: the parity differs at every even place,
+        // where the responses would be shared among cores.
+        std::string text = i ? "\"" : "";
+        for (int n = 1 + random() % 12; n > 0; --n)
+            text += pieces[random() % std::size(pieces)];
+        texts.push_back(text);
+        bytes += response(std::to_string(i + 1), "npc", text);
+    }
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("many.esp", bytes));
+    ASSERT_EQ(s.store.INFO.size(), texts.size());
+    for (bool* flag : {&s.settings.isAmerican, &s.settings.isSpaceQuotes, &s.settings.isSlang,
+                       &s.settings.isSentences, &s.settings.isDashSpaces})
+        *flag = true;
+    Morrowindize(s, d);
+    bool parity = false;
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        ASSERT_EQ(s.store.INFO[i].NAME, cleanResponse(texts[i], s.settings, parity)) << i;
+}
