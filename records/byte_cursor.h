@@ -110,9 +110,11 @@ private:
             f = value<T>();
         else if constexpr (sizeof f[0] == 1)
             raw(f.data(), sizeof f); // bytes or text: all of them, or zeros past the end
+        else if (sizeof f <= remaining())
+            raw(f.data(), sizeof f); // numbers, all there: at once
         else
             for (auto& e : f)
-                field(e); // numbers: each one that is there is read
+                field(e); // numbers at the end of the file: each one that is there is read
     }
 
     const std::uint8_t* data_;
