@@ -88,6 +88,7 @@ ProcessRun timeProcesses(const std::string& quillon, const std::string& esmtool,
     for (int round = 0; round < runs; ++round) {
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (!steps[i].output.empty()) std::filesystem::remove(steps[i].output);
+            ::sync(); // no run pays for the writing of the one before
             Spawned s = spawn(steps[i].argv);
             if (!s.ok) std::fprintf(stderr, "warning: \"%s\" failed\n", steps[i].name.c_str());
             times[i].push_back(s.ms);

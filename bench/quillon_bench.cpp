@@ -117,6 +117,8 @@ double timeOnce(const Command& c, const std::string& file) {
     BenchDialogs dialogs;
     dialogs.scratch = scratchBase();
     c.prepare(session, dialogs, file);
+    // What earlier runs wrote goes to disk first, so that no run pays for another's writing.
+    ::sync();
     Clock::time_point start = Clock::now();
     c.run(session, dialogs, file);
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
