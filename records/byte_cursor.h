@@ -84,9 +84,11 @@ public:
     std::string text(std::int64_t n) { return std::string(view(n)); }
     // A zero-terminated text whose sub-record size counts the terminator: size - 1 bytes, then
     // one byte passed over.
-    std::string ztext(std::int32_t size) {
+    std::string ztext(std::int32_t size) { return std::string(zview(size)); }
+    // The same text where it stands in the buffer.
+    std::string_view zview(std::int32_t size) {
         if (size <= 0) return {};
-        std::string s = text(size - 1);
+        std::string_view s = view(size - 1);
         skip(1);
         return s;
     }

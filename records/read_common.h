@@ -26,6 +26,12 @@ inline void readZ(ByteCursor& in, i32& size, std::string& text) {
     size = in.i32();
     text = in.ztext(size);
 }
+// A zero-terminated text sub-record where it stands in the file's bytes.
+inline void readZ(ByteCursor& in, i32& size, std::string_view& text) {
+    in.skip(4);
+    size = in.i32();
+    text = in.zview(size);
+}
 // A text sub-record taken whole, terminator (if any) included.
 inline void readU(ByteCursor& in, i32& size, std::string& text) {
     in.skip(4);

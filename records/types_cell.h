@@ -50,12 +50,13 @@ struct ReferenceDetails {
     std::vector<std::string> SaveData; // each: the four-character tag, then the data
 };
 
+// A large master holds hundreds of thousands of references: the fields every one has are kept
+// small, the ID where it stands in the file's bytes (it is never edited).
 struct CellReference {
     i32 FRMRSize = 0;
     std::array<u8, 3> FRMR{};
     u8 FRMRByte = 0;
     i32 NAMESize = 0;
-    std::string NAME;
     i32 XSCLSize = 0;
     float XSCL = 0;
     i32 DATASize = 0;
@@ -63,6 +64,7 @@ struct CellReference {
     u8 Disabled = 0;
     u8 Deleted = 0;
     u8 Persistent = 0;
+    std::string_view NAME;
     Boxed<ReferenceDetails> more;
 };
 
