@@ -111,9 +111,11 @@ std::size_t countReferences(const ByteCursor& in) {
     std::string_view body = in.ahead(16 + std::size_t(size > 0 ? size : 0)).substr(16);
     std::size_t references = 0;
     for (std::size_t p = 0; p + 8 <= body.size();) {
+        Tag subTag;
         std::int32_t subSize;
+        std::memcpy(&subTag, body.data() + p, 4);
         std::memcpy(&subSize, body.data() + p + 4, 4);
-        if (body.compare(p, 4, "FRMR") == 0) ++references;
+        if (subTag == tag("FRMR")) ++references;
         if (subSize < 0) break;
         p += 8 + std::size_t(subSize);
     }
