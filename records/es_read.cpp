@@ -5,11 +5,9 @@
 #include <array>
 #include <cctype>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <new>
-#include <system_error>
 
 namespace quillon {
 
