@@ -2,12 +2,15 @@
 
 #include "records/read_common.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <new>
+
+#include <unistd.h>
 
 namespace quillon {
 
@@ -27,14 +30,14 @@ enum TypeIndex : std::size_t {
 };
 using TypeCounts = std::array<std::size_t, kTypes>;
 
-// Hands back the pages of a mapped file a walk has passed, a few megabytes at a time: the
-// records point into the file, but its bytes need not stay in the process, so that opening a
-// file takes memory for its structures and not for the file as well.
+// Hands back the pages of a mapped file a walk has passed, a few megabytes at a time, once it is
+// past keep: the records point into the file, but its bytes need not stay in the process, so
+// that opening a file takes memory for its structures and not for the file as well.
 class PassedBytes {
 public:
-    explicit PassedBytes(const SourceBytes& source) : source_(source) {}
+    PassedBytes(const SourceBytes& source, std::size_t keep) : source_(source), keep_(keep) {}
     void reached(std::size_t at) {
-        if (at < released_ + kStep) return;
+        if (at < keep_ || at < released_ + kStep) return;
         source_.release(released_, at);
         released_ = at;
     }
@@ -42,40 +45,51 @@ public:
 private:
     static constexpr std::size_t kStep = std::size_t(8) << 20;
     const SourceBytes& source_;
+    std::size_t keep_;
     std::size_t released_ = 0;
 };
 
+// The memory the structures of a file may take: a file of many tiny records would take memory far
+// beyond its bytes, each record becoming a structure of all its possible fields; and no file may
+// take more than the machine has.
+std::size_t structureBudget(std::size_t fileSize) {
+    std::size_t budget = 8 * fileSize + (std::size_t(64) << 20);
+    long pages = ::sysconf(_SC_PHYS_PAGES), pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages > 0 && pageSize > 0) budget = std::min(budget, std::size_t(pages) * std::size_t(pageSize));
+    return budget;
+}
+
 // The records of each type, from a walk of the record headers. A file whose sizes mislead gives
-// smaller counts, and its arrays then grow as usual.
-TypeCounts countRecords(std::string_view bytes) {
+// smaller counts, and its arrays then grow as usual. A file whose structures would exceed their
+// budget is refused as too large for memory as soon as the walk finds so, before the store is
+// touched, so that the records open before stay. A walk of a large file keeps only its first
+// pages mapped, for the read that follows.
+TypeCounts countRecords(const SourceBytes& source) {
+    std::string_view bytes(source.data(), source.size());
+    const std::size_t budget = structureBudget(bytes.size());
+    PassedBytes passed(source, std::size_t(256) << 20);
     TypeCounts counts{};
-    for (std::size_t p = 0; p + 16 <= bytes.size();) {
+    std::size_t structures = 0;
+    for (std::size_t p = 0; p + 16 <= bytes.size(); passed.reached(p)) {
         Tag t;
         std::int32_t size;
         std::memcpy(&t, bytes.data() + p, 4);
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
         switch (t) {
-#define QUILLON_COUNT(T, ...)                                                                                \
-    case tag(#T): ++counts[k##T]; break;
+#define QUILLON_COUNT(T, Record, ...)                                                                        \
+    case tag(#T):                                                                                            \
+        ++counts[k##T];                                                                                      \
+        structures += sizeof(Record);                                                                        \
+        break;
             QUILLON_RECORD_TYPES(QUILLON_COUNT)
 #undef QUILLON_COUNT
-        default: break;
+        default: structures += sizeof(RawRecord); break; // kept as a record of unknown type
         }
+        if (structures > budget) throw std::bad_alloc();
         p += 16 + std::size_t(size);
     }
     return counts;
-}
-
-// A file of many tiny records would take memory far beyond its bytes, each record becoming a
-// structure of all its possible fields. Such a file is refused as too large for memory before the
-// store is touched, so that the records open before stay.
-void refuseIfOversized(const TypeCounts& counts, std::size_t fileSize) {
-    std::size_t structures = 0;
-#define QUILLON_STRUCTURES(T, Record, ...) structures += counts[k##T] * sizeof(Record);
-    QUILLON_RECORD_TYPES(QUILLON_STRUCTURES)
-#undef QUILLON_STRUCTURES
-    if (structures > 8 * fileSize + (std::size_t(64) << 20)) throw std::bad_alloc();
 }
 
 // Sizes every array at once, so that they do not grow by copying while the file is read.
@@ -141,14 +155,13 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
                   bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
-    TypeCounts counts = countRecords(std::string_view(source->data(), source->size()));
-    refuseIfOversized(counts, source->size());
+    TypeCounts counts = countRecords(*source);
     ClearRecords(store);
     store.source = source;
     std::size_t size = source->size();
     reserveArrays(store, counts);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
-    PassedBytes passed(*source);
+    PassedBytes passed(*source, 0);
     // A record needs more than its tag: four bytes or fewer left over are passed over.
     for (; !in.failed() && in.remaining() > 4; passed.reached(in.pos())) {
         Tag t = in.peekTag();
