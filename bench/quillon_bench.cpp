@@ -4,6 +4,7 @@
 // grows with the data.
 //   quillon_bench generate OUT.esm [--scale S] [--profile game|dense]
 //   quillon_bench run FILE.esm [LARGER.esm] [--runs N]
+//   quillon_bench processes FILE.esm [LARGER.esm] [--runs N]   (whole processes only)
 //   quillon_bench one COMMAND FILE.esm        (one command in a fresh process, for its memory)
 #include "app/file_commands.h"
 #include "bench/processes.h"
@@ -193,11 +194,11 @@ std::string findEsmtool() {
     return "";
 }
 
-int run(const char* self, const std::vector<std::string>& files, int runs) {
+int run(const char* self, const std::vector<std::string>& files, int runs, bool inProcessToo) {
     // Everything that forks comes first, while this process is small.
     std::vector<std::vector<double>> peaks;
     for (const std::string& file : files)
-        peaks.push_back(peaksInFreshProcesses(self, file));
+        if (inProcessToo) peaks.push_back(peaksInFreshProcesses(self, file));
     std::string quillon = (std::filesystem::path(self).parent_path() / "quillon").string();
     std::string esmtool = findEsmtool();
     std::vector<bench::ProcessRun> processes;
@@ -205,7 +206,7 @@ int run(const char* self, const std::vector<std::string>& files, int runs) {
         processes.push_back(bench::timeProcesses(quillon, esmtool, file, runs));
 
     std::vector<std::vector<InProcess>> inProcess;
-    for (std::size_t i = 0; i < files.size(); ++i)
+    for (std::size_t i = 0; inProcessToo && i < files.size(); ++i)
         inProcess.push_back(timeInProcess(files[i], runs, peaks[i], i ? &inProcess.front() : nullptr));
     if (esmtool.empty()) std::printf("\n(esmtool not found: set ESMTOOL to compare with OpenMW's clone)\n");
     bench::printProcesses(processes);
@@ -228,7 +229,7 @@ int main(int argc, char** argv) {
         std::printf("%s: %.1f MB\n", args[1].c_str(), double(bytes.size()) / (1024.0 * 1024.0));
         return 0;
     }
-    if (args.size() >= 2 && args[0] == "run") {
+    if (args.size() >= 2 && (args[0] == "run" || args[0] == "processes")) {
         int runs = 5;
         std::vector<std::string> files;
         for (std::size_t i = 1; i < args.size(); ++i) {
@@ -237,7 +238,7 @@ int main(int argc, char** argv) {
             else
                 files.push_back(args[i]);
         }
-        return run(argv[0], files, runs);
+        return run(argv[0], files, runs, args[0] == "run");
     }
     if (args.size() == 3 && args[0] == "one") {
         for (const Command& c : commands())

@@ -28,57 +28,57 @@ RowMatcher::RowMatcher(std::span<const WordRow> rows) {
             if (b >= 0x80) throw std::logic_error("a search text outside ASCII");
             if (!classOf_[b]) classOf_[b] = std::uint8_t(classes_++);
         }
-    const std::size_t kClasses = classes_;
+    const std::size_t classes = classes_;
 
     // The trie of the search texts, then its failure links turned into a complete table.
-    std::vector<std::int32_t> trie(kClasses, -1);
+    std::vector<std::int32_t> trie(classes, -1);
     std::vector<std::uint16_t> fail(1, 0);
-    std::vector<std::vector<std::uint16_t>> output_(1); // rows that end at each state
+    std::vector<std::vector<std::uint16_t>> endingHere(1); // the rows that end at each state
     for (std::size_t r = 0; r < rows.size(); ++r) {
         std::size_t state = 0, length = std::strlen(rows[r].search);
         length_.push_back(std::uint32_t(length));
         if (length == 0) continue;
         for (std::size_t i = 0; i < length; ++i) {
             std::size_t c = classOf_[foldedAscii(rows[r].search[i])];
-            if (trie[state * kClasses + c] < 0) {
-                trie[state * kClasses + c] = std::int32_t(output_.size());
-                output_.emplace_back();
+            if (trie[state * classes + c] < 0) {
+                trie[state * classes + c] = std::int32_t(endingHere.size());
+                endingHere.emplace_back();
                 fail.push_back(0);
-                trie.resize(trie.size() + kClasses, -1);
+                trie.resize(trie.size() + classes, -1);
             }
-            state = std::size_t(trie[state * kClasses + c]);
+            state = std::size_t(trie[state * classes + c]);
         }
-        output_[state].push_back(std::uint16_t(r));
+        endingHere[state].push_back(std::uint16_t(r));
     }
     next_.assign(trie.size(), 0);
     std::deque<std::size_t> queue;
-    for (std::size_t c = 0; c < kClasses; ++c)
+    for (std::size_t c = 0; c < classes; ++c)
         if (trie[c] > 0) {
             next_[c] = std::uint16_t(trie[c]);
             queue.push_back(std::size_t(trie[c]));
         }
-    for (std::size_t i = 0; i < output_.size(); ++i)
-        if (i >= kEndsRows) throw std::logic_error("too many states for the row table");
+    if (endingHere.size() > kEndsRows || rows.size() > 0xFFFF)
+        throw std::logic_error("a word table too large for its automaton");
     while (!queue.empty()) {
         std::size_t state = queue.front();
         queue.pop_front();
-        const std::vector<std::uint16_t>& inherited = output_[fail[state]];
-        output_[state].insert(output_[state].end(), inherited.begin(), inherited.end());
-        for (std::size_t c = 0; c < kClasses; ++c) {
-            std::int32_t child = trie[state * kClasses + c];
-            std::uint16_t viaFail = next_[fail[state] * kClasses + c];
+        const std::vector<std::uint16_t>& inherited = endingHere[fail[state]];
+        endingHere[state].insert(endingHere[state].end(), inherited.begin(), inherited.end());
+        for (std::size_t c = 0; c < classes; ++c) {
+            std::int32_t child = trie[state * classes + c];
+            std::uint16_t viaFail = next_[fail[state] * classes + c];
             if (child < 0) {
-                next_[state * kClasses + c] = viaFail;
+                next_[state * classes + c] = viaFail;
             } else {
-                next_[state * kClasses + c] = std::uint16_t(child);
+                next_[state * classes + c] = std::uint16_t(child);
                 fail[std::size_t(child)] = viaFail;
                 queue.push_back(std::size_t(child));
             }
         }
     }
     for (std::uint16_t& to : next_)
-        if (!output_[to].empty()) to |= kEndsRows;
-    for (const std::vector<std::uint16_t>& rowsHere : output_) {
+        if (!endingHere[to].empty()) to |= kEndsRows;
+    for (const std::vector<std::uint16_t>& rowsHere : endingHere) {
         outputStart_.push_back(std::uint32_t(outputRows_.size()));
         outputRows_.insert(outputRows_.end(), rowsHere.begin(), rowsHere.end());
     }

@@ -178,13 +178,14 @@ void capitaliseSentences(std::string& text, bool isEllipsis) {
     }
 }
 
-// The rows of one table in order, each over the result of the ones before. The occurrences of
-// every row are found in one pass. Most rows only set the letter case of their text, which
-// moves nothing and makes or breaks no match (matching ignores case): their occurrences stay
-// true and are rewritten where they stand, the leftmost first and none overlapping the one
-// before, as a search from left to right takes them. A row that changes more is replaced through
-// the text, and the occurrences of the rows after it are found again.
-void applyRows(std::string& text, std::span<const WordRow> rows, bool temple) {
+} // namespace
+
+// The occurrences of every row are found in one pass. Most rows only set the letter case of their
+// text, which moves nothing and makes or breaks no match (matching ignores case): their
+// occurrences stay true and are rewritten where they stand, the leftmost first and none
+// overlapping the one before, as a search from left to right takes them. A row that changes more
+// is replaced through the text, and the occurrences of the rows after it are found again.
+void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple) {
     const RowMatcher& matcher = matcherFor(rows);
     thread_local std::vector<RowMatcher::Occurrence> found;
     auto findAll = [&] {
@@ -217,12 +218,6 @@ void applyRows(std::string& text, std::span<const WordRow> rows, bool temple) {
     }
 }
 
-} // namespace
-
-void applyWordRows(std::string& text, std::span<const WordRow> rows, bool temple) {
-    applyRows(text, rows, temple);
-}
-
 void cleanBeforeQuotes(std::string& text, const CleanupSettings& s) {
     Text t(text);
     if (s.isLineBreaks) t.all("\r\n", " ");
@@ -242,9 +237,9 @@ void spaceQuotes(std::string& text, const CleanupSettings& s, bool& quoteParity)
 void cleanAfterQuotes(std::string& text, const CleanupSettings& s) {
     Text t(text);
     spacingCleanUp(t);
-    if (s.isAmerican) applyRows(text, americanSpelling(), s.isTemple);
-    applyRows(text, properNames(), s.isTemple);
-    if (s.isSlang) applyRows(text, slang(), s.isTemple);
+    if (s.isAmerican) applyWordRows(text, americanSpelling(), s.isTemple);
+    applyWordRows(text, properNames(), s.isTemple);
+    if (s.isSlang) applyWordRows(text, slang(), s.isTemple);
     if (s.isSentences) capitaliseSentences(text, s.isEllipsis);
 }
 
