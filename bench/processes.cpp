@@ -12,15 +12,6 @@
 
 namespace quillon::bench {
 
-namespace {
-
-struct Spawned {
-    double ms = 0;
-    double peakMb = 0;
-    bool ok = false;
-};
-
-// One process with its output thrown away; its wall time and resident peak.
 Spawned spawn(const std::vector<std::string>& argv) {
     std::vector<char*> args;
     for (const std::string& a : argv)
@@ -46,16 +37,18 @@ Spawned spawn(const std::vector<std::string>& argv) {
     return s;
 }
 
+double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+namespace {
+
 struct Step {
     std::string name;
     std::vector<std::string> argv;
     std::string output; // removed before each run, so that every run writes a new file
 };
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
 
 } // namespace
 

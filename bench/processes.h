@@ -7,6 +7,18 @@
 
 namespace quillon::bench {
 
+// One process run with its output thrown away: its wall time, its resident peak, and whether it
+// exited with 0.
+struct Spawned {
+    double ms = 0;
+    double peakMb = 0;
+    bool ok = false;
+};
+Spawned spawn(const std::vector<std::string>& argv);
+
+// The middle of the values (the upper one of an even count); 0 for none.
+double median(std::vector<double> values);
+
 struct ProcessFigures {
     std::string name;
     double ms = 0;     // median wall time

@@ -28,8 +28,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace quillon;
@@ -127,15 +125,7 @@ double timeOnce(const Command& c, const std::string& file) {
 
 // Peak memory of the command alone, in a fresh process (preparation included), in MB.
 double peakMegabytes(const char* self, const Command& c, const std::string& file) {
-    pid_t child = ::fork();
-    if (child == 0) {
-        ::execl(self, self, "one", c.name, file.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    int status = 0;
-    struct rusage usage {};
-    ::wait4(child, &status, 0, &usage);
-    return usage.ru_maxrss / 1024.0;
+    return bench::spawn({self, "one", c.name, file}).peakMb;
 }
 
 struct InProcess {
@@ -165,8 +155,7 @@ std::vector<InProcess> timeInProcess(const std::string& file, int runs, const st
         std::vector<double> times;
         for (int i = 0; i < runs; ++i)
             times.push_back(timeOnce(c, file));
-        std::sort(times.begin(), times.end());
-        double median = times[times.size() / 2];
+        double median = bench::median(times);
         if (std::strcmp(c.name, "read") == 0) readMs = median;
         figures.push_back({c.name, median});
         std::printf("%-18s %10.1f %10.0f %10.1f %12.1f", c.name, median, megabytes / (median / 1000.0),
