@@ -8,13 +8,15 @@ namespace quillon::fuzz {
 // sanitizer report is a fault. The libFuzzer targets call these, and the test suite replays
 // every input kept under fuzz/regressions/.
 
-// Reads the bytes as a data file (keeping unknown records), then writes the store back.
+// Reads the bytes as a data file, mapped as the command line maps one (keeping unknown records),
+// then writes the store back.
 void read(const std::uint8_t* data, std::size_t size);
 // Imports the bytes as a dialogue text file into a small fixed store.
 void importText(const std::uint8_t* data, std::size_t size);
 // Cleans the bytes as responses with options taken from the first two bytes.
 void cleanup(const std::uint8_t* data, std::size_t size);
-// Reads the bytes as a data file and lists its NPCs for a cell text taken from the first byte.
+// Reads the bytes as a mapped data file and lists its NPCs for a cell text taken from the first
+// byte.
 void npcList(const std::uint8_t* data, std::size_t size);
 
 } // namespace quillon::fuzz

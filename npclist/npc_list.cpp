@@ -156,7 +156,7 @@ std::string rankTitle(const FactionIndex& factions, const NpcRecord& npc) {
 }
 
 Entry entryFor(const FactionIndex& factions, const NpcRecord& npc) {
-    Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None"};
+    Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None", {}, {}};
     if (npc.ANAM.size() >= 2) {
         e.factionId = npc.ANAM;
         e.rank = rankTitle(factions, npc);

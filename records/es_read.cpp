@@ -30,20 +30,21 @@ enum TypeIndex : std::size_t {
 };
 using TypeCounts = std::array<std::size_t, kTypes>;
 
-// Hands back the pages of a mapped file a walk has passed, a few megabytes at a time, once it is
-// past keep: the records point into the file, but its bytes need not stay in the process, so
-// that opening a file takes memory for its structures and not for the file as well.
+// Hands back the pages of a mapped file a walk has passed, a release step at a time, once it is
+// past the first keepSteps steps: the records point into the file, but its bytes need not stay in
+// the process, so that opening a file takes memory for its structures and not for the file as well.
 class PassedBytes {
 public:
-    PassedBytes(const SourceBytes& source, std::size_t keep) : source_(source), keep_(keep) {}
+    PassedBytes(const SourceBytes& source, std::size_t keepSteps)
+        : source_(source),
+          keep_(std::min(keepSteps, SIZE_MAX / source.releaseStep()) * source.releaseStep()) {}
     void reached(std::size_t at) {
-        if (at < keep_ || at < released_ + kStep) return;
+        if (at < keep_ || at - released_ < source_.releaseStep()) return;
         source_.release(released_, at);
         released_ = at;
     }
 
 private:
-    static constexpr std::size_t kStep = std::size_t(8) << 20;
     const SourceBytes& source_;
     std::size_t keep_;
     std::size_t released_ = 0;
@@ -67,7 +68,7 @@ std::size_t structureBudget(std::size_t fileSize) {
 TypeCounts countRecords(const SourceBytes& source) {
     std::string_view bytes(source.data(), source.size());
     const std::size_t budget = structureBudget(bytes.size());
-    PassedBytes passed(source, std::size_t(256) << 20);
+    PassedBytes passed(source, 32);
     TypeCounts counts{};
     std::size_t structures = 0;
     for (std::size_t p = 0; p + 16 <= bytes.size(); passed.reached(p)) {
@@ -87,6 +88,7 @@ TypeCounts countRecords(const SourceBytes& source) {
         default: structures += sizeof(RawRecord); break; // kept as a record of unknown type
         }
         if (structures > budget) throw std::bad_alloc();
+        if (std::size_t(size) > bytes.size() - p - 16) break; // the last record, cut short
         p += 16 + std::size_t(size);
     }
     return counts;

@@ -1,5 +1,6 @@
 #include "records/source_bytes.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -15,6 +16,7 @@ namespace quillon {
 namespace {
 
 std::atomic<Loading> loading{Loading::Copy};
+std::atomic<std::size_t> releaseStep{kReleaseStep};
 
 // Refuses what is not an ordinary file: a pipe would block the read forever and a device could be
 // endless.
@@ -53,7 +55,8 @@ std::shared_ptr<const SourceBytes> mapped(const std::string& path, std::string& 
         std::string bytes = loadFile(path, error);
         return error.empty() ? std::make_shared<const SourceBytes>(std::move(bytes)) : nullptr;
     }
-    return std::make_shared<const SourceBytes>(static_cast<const char*>(at), std::size_t(info.st_size));
+    return std::make_shared<const SourceBytes>(static_cast<const char*>(at), std::size_t(info.st_size),
+                                               releaseStep.load());
 }
 
 } // namespace
@@ -64,14 +67,19 @@ SourceBytes::~SourceBytes() {
 
 void SourceBytes::release(std::size_t from, std::size_t to) const {
     if (!mapped_) return;
+    // Positions come from the file's size words: advice beyond the mapping would hand back the
+    // process's own memory.
+    to = std::min(to, bytes_.size());
+    if (from >= to) return;
     static const std::size_t page = std::size_t(::sysconf(_SC_PAGESIZE));
     auto start = reinterpret_cast<std::uintptr_t>(bytes_.data());
     std::uintptr_t first = (start + from + page - 1) / page * page, last = (start + to) / page * page;
     if (first < last) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_DONTNEED);
 }
 
-void setLoading(Loading l) {
+void setLoading(Loading l, std::size_t step) {
     loading = l;
+    releaseStep = step;
 }
 
 Loading activeLoading() {

@@ -151,14 +151,21 @@ inline std::string lastLog(const Session& s) {
 // A fresh folder under the system's temporary folder, removed at the end of the test.
 class TempDir {
 public:
-    TempDir() {
+    explicit TempDir(const std::filesystem::path& base = std::filesystem::temp_directory_path()) {
         std::random_device rd;
-        path_ = std::filesystem::temp_directory_path() / ("quillon-test-" + std::to_string(rd()));
+        path_ = base / ("quillon-test-" + std::to_string(rd()));
         std::filesystem::create_directories(path_);
     }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
     ~TempDir() {
         std::error_code ec;
         std::filesystem::remove_all(path_, ec);
+    }
+    // A folder in memory where the system has one: for tests that write thousands of files.
+    static TempDir inMemory() {
+        std::error_code ec;
+        return std::filesystem::is_directory("/dev/shm", ec) ? TempDir("/dev/shm") : TempDir();
     }
     std::string file(const std::string& name) const { return (path_ / name).string(); }
     std::string write(const std::string& name, const std::string& bytes) const {

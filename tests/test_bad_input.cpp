@@ -52,7 +52,9 @@ TEST(BadInput, DataFilesThatCannotBeRead) {
         d.answers = {Answer::Cancel, Answer::Cancel};
         openPath(s, d, c.path);
         EXPECT_EQ(lastLog(s), c.log) << c.path;
-        if (!c.message.empty()) EXPECT_EQ(d.messages.back(), c.message) << c.path;
+        if (!c.message.empty()) {
+            EXPECT_EQ(d.messages.back(), c.message) << c.path;
+        }
     }
 }
 

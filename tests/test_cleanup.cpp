@@ -16,13 +16,6 @@ CleanupSettings with(std::initializer_list<bool CleanupSettings::*> on) {
     return s;
 }
 
-CleanupSettings all() {
-    return with({&CleanupSettings::isLineBreaks, &CleanupSettings::isAmerican, &CleanupSettings::isSentences,
-                 &CleanupSettings::isSpaceQuotes, &CleanupSettings::isSlang, &CleanupSettings::isTemple,
-                 &CleanupSettings::isDashes, &CleanupSettings::isEllipsis, &CleanupSettings::isSquare,
-                 &CleanupSettings::isDashSpaces});
-}
-
 std::string clean(const std::string& text, const CleanupSettings& s) {
     bool parity = false;
     return cleanResponse(text, s, parity);

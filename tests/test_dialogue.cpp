@@ -8,7 +8,13 @@ using namespace quillon::test;
 
 namespace {
 
+// A response as the tests state it: ID, actor and text, with a result script, type and
+// condition only where a test needs them.
 struct Response {
+    Response(std::string id, std::string actor, std::string text, std::string script = {},
+             std::int32_t type = 0, std::string condition = {})
+        : id(std::move(id)), actor(std::move(actor)), text(std::move(text)), script(std::move(script)),
+          type(type), condition(std::move(condition)) {}
     std::string id, actor, text, script;
     std::int32_t type = 0;
     std::string condition; // an SCVR body, with INTV 3

@@ -96,7 +96,9 @@ TEST(Hostile, FilesOfTinyRecordsAreRefusedWithinBoundedMemory) {
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.err.find("quillon: Not enough memory for counts on \"" + path + "\"."), std::string::npos)
         << r.err;
-    if (!sanitized()) EXPECT_LT(r.peakKb, (8 * 32 + 64) * 1024);
+    if (!sanitized()) {
+        EXPECT_LT(r.peakKb, (8 * 32 + 64) * 1024);
+    }
 
     RecordStore store = readStore(file(1, {Rec("STAT").z("NAME", "kept").bytes()}));
     ScriptedPrompts prompts;
