@@ -75,9 +75,8 @@ DamageChoice CliDialogs::damagedOutput(const DamageReport& report) {
         return DamageChoice::WriteNothing;
     }
     if (onDamage == DamageChoice::WriteNothing)
-        *err << "quillon: add --repair to write them so that the file reads back whole, or --force to write "
-                "them "
-                "as the format's rules give them\n";
+        *err << "quillon: --repair writes them with the sizes of what is written; the window offers Repair "
+                "(--force writes them as the format's rules give them)\n";
     return onDamage;
 }
 

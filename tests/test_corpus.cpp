@@ -1,6 +1,7 @@
 #include "app/record_counts.h"
 // Every real file of the corpus: it reads, its counts match a plain walk of the file, and it
 // writes back faithfully.
+#include "cli_run.h"
 #include "helpers.h"
 #include "records/es_read.h"
 #include "writer/es_write.h"
@@ -213,5 +214,34 @@ TEST(Corpus, DamagedCopiesNeverCrash) {
             Serialised repaired = serialiseChecked(l->store, l->count, 0, prompts, true);
             EXPECT_TRUE(repaired.damaged.empty() && framesThroughout(repaired.bytes)) << name(path);
         }
+    }
+}
+
+// What the editors wrote saves with no question into a file that frames as the game reads it, and
+// an unedited dialogue export imported back gives exactly the bytes of that save. Only files
+// holding records of unknown type are refused.
+TEST(Corpus, EditorsFilesSaveWithoutAQuestion) {
+    QUILLON_NEED_CORPUS();
+    TempDir dir;
+    for (const std::string& path : corpusFiles()) {
+        if (fileTypeFor(path) == 32) continue; // savegames ask before anything is written
+        SCOPED_TRACE(name(path));
+        std::string extension = std::filesystem::path(path).extension().string();
+        std::string saved = dir.file("plain" + extension);
+        CliRun plain = cli({"save", path, "-o", saved});
+        if (kUnknownAt.count(name(path))) {
+            EXPECT_EQ(plain.status, 1);
+            EXPECT_NE(plain.err.find("--repair writes them with the sizes of what is written"),
+                      std::string::npos);
+            continue;
+        }
+        ASSERT_EQ(plain.status, 0) << plain.err;
+        EXPECT_TRUE(framesThroughout(readAll(saved)));
+        if (load(readAll(path))->store.INFO.empty()) continue;
+        std::string text = dir.file("dialogue.txt"), imported = dir.file("imported" + extension);
+        ASSERT_EQ(cli({"export-dialogue", path, "-o", text}).status, 0);
+        CliRun back = cli({"import-dialogue", path, text, "-o", imported});
+        ASSERT_EQ(back.status, 0) << back.err;
+        EXPECT_TRUE(readAll(imported) == readAll(saved));
     }
 }

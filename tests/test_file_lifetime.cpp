@@ -21,7 +21,11 @@ std::string viewsPlugin(const std::string& mark) {
     std::string schd = fixed("sc_" + mark, 32) + std::string(20, '\0');
     return file(0, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
                     response("1", "npc_" + mark, "Hello from " + mark + "."),
-                    Rec("SCPT").sub("SCHD", schd).sub("SCDT", "code").text("SCTX", "Begin sc_" + mark + "\r\nEnd").bytes(),
+                    Rec("SCPT")
+                        .sub("SCHD", schd)
+                        .sub("SCDT", "code")
+                        .text("SCTX", "Begin sc_" + mark + "\r\nEnd")
+                        .bytes(),
                     Rec("CELL")
                         .z("NAME", "Cell " + mark)
                         .sub("DATA", le32(1) + le32(0) + le32(0))

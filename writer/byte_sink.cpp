@@ -29,18 +29,20 @@ void ByteSink::closeRecord() {
     if (!isOpen_) return;
     isOpen_ = false;
     std::size_t end = out_.size(), length = end - open_.start, badSub = kNone;
+    bool followWritten = repairing_ || (deletedForm_ && length - 16 <= std::size_t(INT32_MAX));
+    deletedForm_ = false;
     for (std::size_t i = 0; i < subs_.size(); ++i) {
         std::size_t data = (i + 1 < subs_.size() ? subs_[i + 1] : end) - subs_[i] - 8;
         if (std::int64_t(data) == int32At(out_, subs_[i] + 4)) continue;
         if (badSub == kNone) badSub = i;
-        if (repairing_) {
+        if (followWritten) {
             auto fixed = std::int32_t(data);
             std::memcpy(out_.data() + subs_[i] + 4, &fixed, 4);
         }
     }
     bool recordBad = std::int64_t(length) != 16 + std::int64_t(open_.size);
     if (recordBad || badSub != kNone) {
-        if (repairing_) {
+        if (followWritten) {
             auto fixed = std::int32_t(length - 16);
             std::memcpy(out_.data() + open_.start + 4, &fixed, 4);
         } else {

@@ -16,10 +16,10 @@ namespace quillon {
 std::string groupedNumber(std::int64_t n);
 
 // Serialises records into memory, little-endian, exactly as stored: sizes are written as the
-// records hold them, never recomputed. It also frames every record as it is written, as the game
-// will read it: a record whose bytes disagree with its Size, or a sub-record whose data disagree
-// with its size word, is noted as damaged; when repairing, their size words are set to what was
-// written instead.
+// records hold them, never recomputed, except in a record written in its deleted form. It also
+// frames every record as it is written, as the game will read it: a record whose bytes disagree
+// with its Size, or a sub-record whose data disagree with its size word, is noted as damaged; when
+// repairing, their size words are set to what was written instead.
 class ByteSink {
 public:
     ByteSink() = default;
@@ -111,6 +111,13 @@ public:
         sub(quillon::tag("DELE"), 4);
         int32(0);
     }
+    // The marker of a record written in its deleted form, which leaves out most of what the record
+    // holds: the record's size words follow what is written, since under its old sizes the game
+    // could not read past it.
+    void writeDeletedForm() {
+        writeDele();
+        deletedForm_ = true;
+    }
 
 private:
     struct Open {
@@ -140,6 +147,7 @@ private:
     bool repairable_ = true;
     Open open_;
     bool isOpen_ = false;
+    bool deletedForm_ = false; // the open record is written in its deleted form
     std::vector<std::size_t> subs_; // where each sub-record of the open record starts
     std::string cause_, id_;
     std::vector<DamagedRecord> damaged_;

@@ -43,7 +43,7 @@ template <class R> bool writeActorStart(ByteSink& out, Tag t, const R& r) {
     out.header(t, r);
     out.writeZ(tag("NAME"), r.NAMESize, r.NAME);
     if (!isDeleted(r)) return true;
-    out.writeDele();
+    out.writeDeletedForm();
     return false;
 }
 

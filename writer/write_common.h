@@ -41,7 +41,7 @@ template <class R, class Body> void writeNamed(ByteSink& out, Tag t, const R& r,
     out.header(t, r);
     out.writeZ(tag("NAME"), r.NAMESize, r.NAME);
     if (isDeleted(r)) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     body();

@@ -19,7 +19,7 @@ void writeDial(ByteSink& out, const DialRecord& r, WriteState& state) {
     else
         out.byte(r.DATA);
     out.writeVOpt(tag("XIDX"), r.XIDXSize, r.XIDX);
-    if (isDeleted(r)) out.writeDele(); // a deleted topic keeps NAME and DATA; DELE comes last
+    if (isDeleted(r)) out.writeDeletedForm(); // a deleted topic keeps NAME and DATA; DELE comes last
     // The topic match is exact, letter case included: two topics of one NAME both get every
     // matching response, and a response matching no topic is not written.
     auto found = state.topics.find(r.NAME);
@@ -38,7 +38,7 @@ void writeInfo(ByteSink& out, const InfoRecord& r) {
         if (r.PNAMSize > 0) out.writeZ(tag("PNAM"), r.PNAMSize, r.PNAM);
         if (r.NNAMSize > 0) out.writeZ(tag("NNAM"), r.NNAMSize, r.NNAM);
         out.writeUOpt(tag("NAME"), r.NAMESize, r.NAME);
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     // XIDX, PNAM and NNAM need a size above 0; every other optional sub-record any non-zero size.

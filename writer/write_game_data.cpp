@@ -9,7 +9,7 @@ template <class R, class Body> void writeIndexed(ByteSink& out, Tag t, const R& 
     out.header(t, r);
     out.writeV(tag("INDX"), r.INDXSize, r.INDX);
     if (isDeleted(r)) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     body();
@@ -21,7 +21,7 @@ void writeGmst(ByteSink& out, const GmstRecord& r, WriteState&) {
     out.header(tag("GMST"), r);
     out.writeU(tag("NAME"), r.NAMESize, r.NAME);
     if (isDeleted(r)) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     // One value only: STRV before INTV before FLTV.
@@ -108,7 +108,7 @@ void writeScpt(ByteSink& out, const ScptRecord& r, WriteState& state) {
     // Only a script that carried DELE has a deleted form, the one OpenMW-CS writes; the flags
     // alone never delete a script.
     if (r.Dele) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     if (r.SCVRSize != 0) {
@@ -173,7 +173,7 @@ void writeSndg(ByteSink& out, const SndgRecord& r, WriteState&) {
 
 void writeSscr(ByteSink& out, const SscrRecord& r, WriteState&) {
     out.header(tag("SSCR"), r);
-    if (isDeleted(r)) out.writeDele(); // the one type whose DELE comes first and keeps the rest
+    if (isDeleted(r)) out.writeDeletedForm(); // the one type whose DELE comes first and keeps the rest
     out.writeU(tag("NAME"), r.NAMESize, r.NAME);
     out.writeU(tag("DATA"), r.DATASize, r.DATA);
 }
@@ -185,7 +185,7 @@ void writePgrd(ByteSink& out, const PgrdRecord& r, WriteState&) {
     out.writeV(tag("DATA"), r.DATASize, r.DATA);
     out.writeZ(tag("NAME"), r.NAMESize, r.NAME);
     if (r.Dele) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     out.writeUOpt(tag("PGRP"), r.PGRPSize, r.PGRP);

@@ -12,7 +12,7 @@ void writeTes3(ByteSink& out, const Tes3Record& r, WriteState& state) {
     written.NumRecords = state.recordCount - 1; // the header does not count itself
     out.writeFields(tag("HEDR"), r.HEDRSize, written, layout::fileHeader);
     if (isDeleted(r)) {
-        out.writeDele();
+        out.writeDeletedForm();
         return;
     }
     // An empty first master name means no masters at all, whatever later entries hold.
