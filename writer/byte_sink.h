@@ -147,7 +147,7 @@ private:
     bool repairable_ = true;
     Open open_;
     bool isOpen_ = false;
-    bool deletedForm_ = false; // the open record is written in its deleted form
+    bool deletedForm_ = false;      // the open record is written in its deleted form
     std::vector<std::size_t> subs_; // where each sub-record of the open record starts
     std::string cause_, id_;
     std::vector<DamagedRecord> damaged_;
