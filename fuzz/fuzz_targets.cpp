@@ -27,14 +27,25 @@ std::string bytesOf(const std::uint8_t* data, std::size_t size) {
 // handed back every page a walk passes, so that the release runs on inputs of a few kilobytes.
 double readMapped(RecordStore& store, const std::uint8_t* data, std::size_t size, std::int32_t& count,
                   Prompts& prompts) {
-    static const std::string path = [] {
-        const char* shm = "/dev/shm";
-        std::string base =
-            ::access(shm, W_OK) == 0 ? shm : (std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "/tmp");
-        std::string dir = base + "/quillon-fuzz-XXXXXX";
-        if (!::mkdtemp(dir.data())) std::abort();
-        return dir + "/input.esp";
-    }();
+    // One file for the whole run, removed when the process ends.
+    static const struct InputFile {
+        InputFile() {
+            const char* tmp = std::getenv("TMPDIR");
+            std::string dir = std::string(::access("/dev/shm", W_OK) == 0 ? "/dev/shm"
+                                          : tmp                           ? tmp
+                                                                          : "/tmp") +
+                              "/quillon-fuzz-XXXXXX";
+            if (!::mkdtemp(dir.data())) std::abort();
+            folder = dir;
+            path = dir + "/input.esp";
+        }
+        ~InputFile() {
+            ::unlink(path.c_str());
+            ::rmdir(folder.c_str());
+        }
+        std::string folder, path;
+    } input;
+    const std::string& path = input.path;
     int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     if (fd < 0 || ::write(fd, data, size) != ssize_t(size) || ::close(fd) != 0) std::abort();
     Loading before = activeLoading();
