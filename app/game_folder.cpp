@@ -1,5 +1,6 @@
 #include "app/game_folder.h"
 
+#include "app/openmw_config.h"
 #include "app/text.h"
 #include "records/es_read.h"
 
@@ -94,22 +95,9 @@ fs::path fromSteam(const FolderSearch& s) {
     return {};
 }
 
-// The values of OpenMW's setting key= in openmw.cfg, in order.
-std::vector<std::string> openMwSetting(const FolderSearch& s, const std::string& key) {
-    std::vector<std::string> values;
-    for (const std::string& line : lines(readText(fs::path(s.home) / ".config/openmw/openmw.cfg"))) {
-        std::string entry = line.substr(std::min(line.size(), line.find_first_not_of(" \t")));
-        if (entry.rfind(key + "=", 0) == 0) values.push_back(entry.substr(key.size() + 1));
-    }
-    return values;
-}
-
 fs::path fromOpenMw(const FolderSearch& s) {
-    for (std::string path : openMwSetting(s, "data")) {
-        if (path.size() >= 2 && path.front() == '"' && path.back() == '"')
-            path = path.substr(1, path.size() - 2);
+    for (const std::string& path : readOpenMwConfig(s).dataFolders)
         if (isFolder(path)) return path;
-    }
     return {};
 }
 
@@ -145,7 +133,7 @@ std::string findDataFolder(const FolderSearch& s) {
 }
 
 std::optional<CodePage> configuredCodePage(const FolderSearch& search) {
-    std::vector<std::string> values = openMwSetting(search, "encoding");
+    std::vector<std::string> values = readOpenMwConfig(search).values("encoding");
     if (values.empty()) return std::nullopt;
     std::string value = values.back();
     while (!value.empty() && (value.back() == ' ' || value.back() == '\r'))
@@ -153,7 +141,6 @@ std::optional<CodePage> configuredCodePage(const FolderSearch& search) {
     return codePageNamed(value);
 }
 
-// The environment of this process, for the searches.
 FolderSearch thisSystem() {
     const char* home = std::getenv("HOME");
     return {[](const char* name) {

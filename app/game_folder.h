@@ -13,6 +13,9 @@ struct FolderSearch {
     std::string home;
 };
 
+// The environment and home folder of this process, for the searches.
+FolderSearch thisSystem();
+
 // The game's "Data Files" folder: $QUILLON_DATA_FILES; the "Installed Path" in Wine's registry
 // ($WINEPREFIX or ~/.wine); a Steam library; the data= lines of OpenMW's openmw.cfg. The first
 // that exists wins; empty when none does.

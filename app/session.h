@@ -1,11 +1,13 @@
 #pragma once
 #include "app/cleanup_settings.h"
 #include "app/dialogs.h"
+#include "app/load_order.h"
 #include "app/log.h"
 #include "app/record_counts.h"
 #include "records/prompts.h"
 #include "records/record_store.h"
 
+#include <memory>
 #include <string>
 
 namespace quillon {
@@ -26,7 +28,19 @@ struct Session {
     // Size and time of the current file when it was last read or written, to notice changes by
     // other programs before Save overwrites it.
     std::string fileStamp;
+    // The masters of the records' file, a read-only context read when first needed (see
+    // sessionMasters): the NPC list and the quote exports use it when useMasters is on, the
+    // check whenever it finds the masters.
+    bool useMasters = false;
+    MasterSearch masterSearch;
+    std::shared_ptr<const LoadOrder> loadOrder;
+    std::string loadOrderOf; // the file and stamp it was read for
 };
+
+// The load order of the records' file, found and read on first use. The log gets one line
+// naming the masters read and the time, and one for each master not found or changed since the
+// file was saved.
+const LoadOrder& sessionMasters(Session& session);
 
 // The longest response text the game takes.
 constexpr std::size_t kMaxResponse = 512;

@@ -94,7 +94,7 @@ int checkCommand(Context& c) {
         }
         CheckOptions forFile = options;
         forFile.fileType = fileTypeFor(path);
-        findMasterTopics(c.session.store, path, forFile);
+        forFile.masters = &sessionMasters(c.session);
         auto count = std::int32_t(c.session.counts.number(CountLabel::Total));
         for (const Finding& f : checkDialogue(c.session.store, count, forFile))
             items.push_back(json ? findingJson(path, f) : findingLine(path, f));

@@ -18,28 +18,36 @@ struct Speaker {
     std::string name, race, cls, faction;
 };
 
-// Actors by ID ignoring case; the first record of an ID wins.
+// Actors by ID ignoring case; the first record of an ID wins. With a load order, an actor the
+// file does not define is looked for in its masters, from the last to the first.
 class ActorIndex {
 public:
-    explicit ActorIndex(const RecordStore& store) {
+    ActorIndex(const RecordStore& store, const LoadOrder* masters) : store_(store), masters_(masters) {
         for (std::size_t i = 0; i < store.NPC_.size(); ++i)
             npcs_.emplace(foldedKey(store.NPC_[i].NAME), i);
         for (std::size_t i = 0; i < store.CREA.size(); ++i)
             creatures_.emplace(foldedKey(store.CREA[i].NAME), i);
     }
     // The NPC's name, race, class and faction; a creature of that ID then sets the name only.
-    Speaker find(const RecordStore& store, const std::string& actor) const {
+    Speaker find(const std::string& actor) const {
         Speaker s;
         std::string key = foldedKey(actor);
-        if (auto n = npcs_.find(key); n != npcs_.end()) {
-            const NpcRecord& npc = store.NPC_[n->second];
-            s = {npc.FNAM, npc.RNAM, npc.CNAM, npc.ANAM};
-        }
-        if (auto c = creatures_.find(key); c != creatures_.end()) s.name = store.CREA[c->second].FNAM;
+        const NpcRecord* npc = nullptr;
+        if (auto n = npcs_.find(key); n != npcs_.end())
+            npc = &store_.NPC_[n->second];
+        else if (masters_)
+            npc = masters_->findInMasters(&RecordStore::NPC_, actor);
+        if (npc) s = {npc->FNAM, npc->RNAM, npc->CNAM, npc->ANAM};
+        if (auto c = creatures_.find(key); c != creatures_.end())
+            s.name = store_.CREA[c->second].FNAM;
+        else if (const CreaRecord* creature = masters_ ? masters_->findInMasters(&RecordStore::CREA, actor) : nullptr)
+            s.name = creature->FNAM;
         return s;
     }
 
 private:
+    const RecordStore& store_;
+    const LoadOrder* masters_;
     std::unordered_map<std::string, std::size_t> npcs_, creatures_;
 };
 
@@ -173,13 +181,13 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
         replaceFileSafely(path, out);
         return reportExportError(session, dialogs);
     }
-    ActorIndex actors(session.store);
+    ActorIndex actors(session.store, session.useMasters ? &sessionMasters(session) : nullptr);
     SafeFileWriter file(path);
     for (const InfoRecord& r : session.store.INFO) {
         // Every response with an actor goes out, those holding "%PC" or "%rank" included: the
         // test that looks for them cannot come out false once an actor is present.
         if (r.ONAM.empty()) continue;
-        Speaker s = actors.find(session.store, r.ONAM);
+        Speaker s = actors.find(r.ONAM);
         std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
         out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" +
                city + "</city></quote>";
@@ -198,13 +206,13 @@ Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
         replaceFileSafely(path, "");
         return reportExportError(session, dialogs);
     }
-    ActorIndex actors(session.store);
+    ActorIndex actors(session.store, session.useMasters ? &sessionMasters(session) : nullptr);
     SafeFileWriter file(path);
     std::string out;
     for (const InfoRecord& r : session.store.INFO) {
         if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank"))
             continue;
-        Speaker s = actors.find(session.store, r.ONAM);
+        Speaker s = actors.find(r.ONAM);
         // A name holding "_" is offered for retyping, the typed text replacing it; when that leaves
         // no name, the actor ID stands in and is offered the same way.
         auto retyped = [&](const std::string& name) {

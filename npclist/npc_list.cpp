@@ -2,6 +2,7 @@
 
 #include "app/encoding.h"
 #include "app/error_numbers.h"
+#include "app/merged_cells.h"
 
 #include "app/text.h"
 #include "writer/safe_file.h"
@@ -143,26 +144,61 @@ private:
     std::string cell_; // the title of the cell being listed
 };
 
-// The factions by folded ID, the first record of an ID winning, as a walk in store order would.
-using FactionIndex = std::unordered_map<std::string, const FactRecord*>;
+// The NPCs and factions a sheet names, by folded ID: the file's own first (the first faction
+// record of an ID winning, every NPC record of an ID listed, as a walk in store order would), then
+// with a load order the masters' from the last to the first.
+class Lookups {
+public:
+    Lookups(const RecordStore& store, const LoadOrder* masters) : masters_(masters) {
+        for (std::size_t i = 0; i < store.NPC_.size(); ++i)
+            npcs_[foldedKey(store.NPC_[i].NAME)].push_back(&store.NPC_[i]);
+        for (const FactRecord& f : store.FACT)
+            factions_.emplace(foldedKey(f.NAME), &f);
+    }
+    std::vector<const NpcRecord*> npcs(std::string_view id) const {
+        if (auto found = npcs_.find(foldedKey(id)); found != npcs_.end()) return found->second;
+        if (!masters_) return {};
+        const NpcRecord* npc = masters_->findInMasters(&RecordStore::NPC_, id);
+        return npc ? std::vector<const NpcRecord*>{npc} : std::vector<const NpcRecord*>{};
+    }
+    const FactRecord* faction(const std::string& id) const {
+        if (auto found = factions_.find(foldedKey(id)); found != factions_.end()) return found->second;
+        return masters_ ? masters_->findInMasters(&RecordStore::FACT, id) : nullptr;
+    }
+
+private:
+    const LoadOrder* masters_;
+    std::unordered_map<std::string, std::vector<const NpcRecord*>> npcs_;
+    std::unordered_map<std::string, const FactRecord*> factions_;
+};
 
 // The title of the NPC's rank in its faction, cut at its first NUL; empty when not found.
-std::string rankTitle(const FactionIndex& factions, const NpcRecord& npc) {
+std::string rankTitle(const Lookups& lookups, const NpcRecord& npc) {
     unsigned rank = npc.NPDTSize == 12 ? npc.NPDTShort[4] : npc.NPDT[46];
-    auto found = factions.find(foldedKey(npc.ANAM));
-    if (found == factions.end()) return {};
-    const FactRecord& f = *found->second;
-    return rank < f.Ranks.size() ? fixedText(f.Ranks[rank].RNAM) : std::string();
+    const FactRecord* f = lookups.faction(npc.ANAM);
+    if (!f) return {};
+    return rank < f->Ranks.size() ? fixedText(f->Ranks[rank].RNAM) : std::string();
 }
 
-Entry entryFor(const FactionIndex& factions, const NpcRecord& npc) {
+Entry entryFor(const Lookups& lookups, const NpcRecord& npc) {
     Entry e{npc.FNAM, (npc.FLAG[0] & 1) ? "F" : "M", npc.RNAM, npc.CNAM, "None", {}, {}};
     if (npc.ANAM.size() >= 2) {
         e.factionId = npc.ANAM;
-        e.rank = rankTitle(factions, npc);
+        e.rank = rankTitle(lookups, npc);
         e.faction = e.factionId + ", " + e.rank;
     }
     return e;
+}
+
+// The file's own cells, each with every reference it holds.
+std::vector<MergedCell> ownCells(const RecordStore& store) {
+    std::vector<MergedCell> cells(store.CELL.size());
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells[i].cell = &store.CELL[i];
+        for (const CellReference& ref : store.CELL[i].References)
+            cells[i].references.push_back(&ref);
+    }
+    return cells;
 }
 
 std::string cellTitle(const CellRecord& cell) {
@@ -191,29 +227,21 @@ bool isClone(const std::string& name) {
 }
 
 std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
-                         const std::string& answer, int& count, SafeFileWriter* drain) {
-    std::unordered_map<std::string, std::vector<std::size_t>> npcsById;
-    for (std::size_t i = 0; i < store.NPC_.size(); ++i)
-        npcsById[foldedKey(store.NPC_[i].NAME)].push_back(i);
-    FactionIndex factions;
-    for (const FactRecord& f : store.FACT)
-        factions.emplace(foldedKey(f.NAME), &f);
-
+                         const std::string& answer, int& count, SafeFileWriter* drain, const LoadOrder* masters) {
+    Lookups lookups(store, masters);
     // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
     Sheet sheet(format, answer, drain);
     count = 0;
-    for (const CellRecord& cell : store.CELL) {
+    for (const MergedCell& merged : masters ? mergedCells(*masters, store) : ownCells(store)) {
+        const CellRecord& cell = *merged.cell;
         if (!containsIgnoreCase(cell.NAME, answer)) continue;
         bool listed = false;
-        for (const CellReference& ref : cell.References) {
-            auto found = npcsById.find(foldedKey(ref.NAME));
-            if (found == npcsById.end()) continue;
-            for (std::size_t i : found->second) {
-                const NpcRecord& npc = store.NPC_[i];
-                if (skipClones && isClone(npc.FNAM)) continue;
+        for (const CellReference* ref : merged.references) {
+            for (const NpcRecord* npc : lookups.npcs(ref->NAME)) {
+                if (skipClones && isClone(npc->FNAM)) continue;
                 if (!listed) sheet.cellHeader(cellTitle(cell));
                 listed = true;
-                sheet.entry(entryFor(factions, npc));
+                sheet.entry(entryFor(lookups, *npc));
                 ++count;
             }
         }
@@ -223,12 +251,20 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
 }
 
 Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
-    // The checks read the displayed counts, not the store.
-    if (session.counts.number(CountLabel::CELL) <= 0) {
+    // With the load order the cells and NPCs are those of every file; the checks read the
+    // displayed counts otherwise, not the store.
+    const LoadOrder* masters = session.useMasters ? &sessionMasters(session) : nullptr;
+    auto inMasters = [&](auto array) {
+        if (masters)
+            for (const auto& m : masters->masters)
+                if (!(m->store.*array).empty()) return true;
+        return false;
+    };
+    if (session.counts.number(CountLabel::CELL) <= 0 && !inMasters(&RecordStore::CELL)) {
         dialogs.tell("No cells found in current file.", Icon::None);
         return Outcome::failed("the file holds no cells");
     }
-    if (session.counts.number(CountLabel::NPC_) <= 0) {
+    if (session.counts.number(CountLabel::NPC_) <= 0 && !inMasters(&RecordStore::NPC_)) {
         dialogs.tell("No NPCs found in current file.", Icon::None);
         return Outcome::failed("the file holds no NPCs");
     }
@@ -264,7 +300,7 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     int count = 0;
     SafeFileWriter file(path);
     try {
-        file.write(npcListSheet(session.store, format, skipClones, answer, count, &file));
+        file.write(npcListSheet(session.store, format, skipClones, answer, count, &file, masters));
     } catch (const std::bad_alloc&) {
         file.commit(); // what was written so far stays, as the message says
         return fail(FailureKind::OutOfMemory);

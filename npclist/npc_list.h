@@ -1,4 +1,5 @@
 #pragma once
+#include "app/load_order.h"
 #include "app/outcome.h"
 #include "app/session.h"
 #include "writer/safe_file.h"
@@ -18,9 +19,11 @@ extern const char* const kHomePage;
 Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
 
 // The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
-// With a drain, all but the returned tail has been written to it.
+// With a drain, all but the returned tail has been written to it. With masters, the cells are
+// those of the whole load order, merged, and NPCs and factions resolve through it.
 std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
-                         const std::string& answer, int& count, SafeFileWriter* drain = nullptr);
+                         const std::string& answer, int& count, SafeFileWriter* drain = nullptr,
+                         const LoadOrder* masters = nullptr);
 
 // True for the generic NPCs that the clones filter leaves out, by display name.
 bool isClone(const std::string& name);

@@ -47,15 +47,21 @@ public:
 
 void checkScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
     const std::vector<InfoRecord>& infos = store.INFO;
-    std::set<std::string> topics = options.masterTopics;
-    for (const DialRecord& d : store.DIAL)
-        topics.insert(foldedKey(d.NAME));
-    // The choices each topic's responses are shown on, by topic as the writer matches them.
+    // The topics and the choices each topic's responses are shown on (by topic as the writer
+    // matches them), of the file and of its masters: a master's response answers the choice too.
+    std::set<std::string> topics;
     std::map<std::string, std::set<std::int32_t>> shownOn;
-    for (const InfoRecord& r : infos) {
-        for (const InfoCondition& c : r.Conditions)
-            if (isChoiceCondition(c)) shownOn[r.Topic].insert(c.INTV);
-    }
+    auto learn = [&](const RecordStore& from) {
+        for (const DialRecord& d : from.DIAL)
+            topics.insert(foldedKey(d.NAME));
+        for (const InfoRecord& r : from.INFO)
+            for (const InfoCondition& c : r.Conditions)
+                if (isChoiceCondition(c)) shownOn[r.Topic].insert(c.INTV);
+    };
+    learn(store);
+    if (options.masters)
+        for (const auto& m : options.masters->masters)
+            learn(m->store);
     for (std::size_t i = 0; i < infos.size(); ++i) {
         const InfoRecord& r = infos[i];
         if (r.BNAM.empty()) continue;
@@ -104,12 +110,20 @@ void checkTexts(const std::vector<InfoRecord>& infos, const CheckOptions& option
 
 void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptions& options,
                   std::vector<Finding>& out) {
-    for (const std::string& master : options.missingMasters) {
+    static const LoadOrder none;
+    for (const auto& m : (options.masters ? *options.masters : none).masters) {
         Finding f;
         f.kind = "master";
         f.record = "TES3";
-        f.id = master;
-        f.detail = "not found beside the file; its topics are not known to the topic check";
+        f.id = m->name;
+        if (!m->found())
+            f.detail = "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
+                       "Data Files); its topics are not known to the topic check";
+        else if (m->changed())
+            f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
+                       " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
+        else
+            continue;
         out.push_back(std::move(f));
     }
     for (const RawRecord& r : store.Unknown) {
@@ -150,47 +164,11 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     return kept;
 }
 
-void findMasterTopics(const RecordStore& store, const std::string& path, CheckOptions& options) {
-    namespace fs = std::filesystem;
-    if (store.TES3.empty()) return;
-    fs::path folder = fs::path(path).parent_path();
-    if (folder.empty()) folder = ".";
-    std::error_code ec;
-    std::map<std::string, fs::path> beside; // by name in lower case
-    for (const fs::directory_entry& e : fs::directory_iterator(folder, ec))
-        beside[foldedKey(e.path().filename().string())] = e.path();
-    for (const MasterEntry& m : store.TES3.front().Masters) {
-        if (m.MAST.empty()) continue;
-        auto found = beside.find(foldedKey(m.MAST));
-        std::string error;
-        std::string bytes = found == beside.end() ? std::string() : loadFile(found->second.string(), error);
-        if (found == beside.end() || !error.empty()) {
-            options.missingMasters.push_back(m.MAST);
-            continue;
-        }
-        // Only the topic names are wanted: the DIAL records' NAME, found by walking the headers.
-        for (std::size_t p = 0; p + 16 <= bytes.size();) {
-            std::int32_t size;
-            std::memcpy(&size, bytes.data() + p + 4, 4);
-            if (size < 0 || std::size_t(size) > bytes.size() - p - 16) break;
-            if (bytes.compare(p, 4, "DIAL") == 0 && size >= 8 && bytes.compare(p + 16, 4, "NAME") == 0) {
-                std::int32_t nameSize;
-                std::memcpy(&nameSize, bytes.data() + p + 20, 4);
-                if (nameSize > 0 && nameSize <= size - 8) {
-                    std::string name = bytes.substr(p + 24, std::size_t(nameSize));
-                    options.masterTopics.insert(foldedKey(name.substr(0, name.find('\0'))));
-                }
-            }
-            p += 16 + std::size_t(size);
-        }
-    }
-}
-
 Outcome CheckDialogue(Session& session, Dialogs& dialogs) {
     CheckOptions options;
     options.style = session.settings;
     options.fileType = fileTypeFor(session.currentPath);
-    findMasterTopics(session.store, session.currentPath, options);
+    options.masters = &sessionMasters(session);
     auto count = std::int32_t(session.counts.number(CountLabel::Total));
     std::vector<Finding> findings = checkDialogue(session.store, count, options);
     session.log.LogLine("-Checked " + std::to_string(session.store.INFO.size()) + " responses from \"" +

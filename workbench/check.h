@@ -2,6 +2,7 @@
 // The dialogue check: what a writer should look at in a data file, found without changing it.
 #include "app/cleanup_settings.h"
 #include "app/finding.h"
+#include "app/load_order.h"
 #include "app/outcome.h"
 #include "app/session.h"
 #include "records/record_store.h"
@@ -20,17 +21,13 @@ struct CheckOptions {
     CleanupSettings style;      // the clean-up the style findings compare with
     std::set<std::string> only; // the kinds to report; empty for all
     std::int32_t fileType = 0;  // as the target of a Save would have it
-    // The topics of the masters found; a master not found is named in missingMasters.
-    std::set<std::string> masterTopics;
-    std::vector<std::string> missingMasters;
+    // The file's masters, when they were looked for: their topics are known to the topic check,
+    // their responses answer choices, and a master not found or changed is a finding.
+    const LoadOrder* masters = nullptr;
 };
 
 // The findings of a store read whole, kind by kind.
 std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount, const CheckOptions& options);
-
-// The masters the header names, looked for beside the file (in any letter case): their topic
-// names go into options.masterTopics, the names of those not found into options.missingMasters.
-void findMasterTopics(const RecordStore& store, const std::string& path, CheckOptions& options);
 
 // Check Dialogue: the check of the open file, shown for review with the session's clean-up
 // settings; a response can be edited from the list, its sizes following its text.
