@@ -35,7 +35,8 @@ private:
         std::map<std::string, std::string> out{{"", ""}}; // never empty once listed
         std::error_code ec;
         for (const fs::directory_entry& e : fs::directory_iterator(folder, ec))
-            if (e.is_regular_file(ec)) out.emplace(foldedKey(e.path().filename().string()), e.path().string());
+            if (e.is_regular_file(ec))
+                out.emplace(foldedKey(e.path().filename().string()), e.path().string());
         return out;
     }
     std::vector<std::string> folders_;
@@ -136,7 +137,8 @@ void readMasters(LoadOrder& order) {
         std::int32_t count = 0;
         ReadESFile(master->store, master->path, count, true, prompts);
     }
-    order.readMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    order.readMs =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 } // namespace quillon

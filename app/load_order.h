@@ -25,13 +25,13 @@ struct MasterSearch {
 };
 
 struct MasterFile {
-    std::string name;              // as the header naming it spells it
-    std::string path;              // where it was found; empty when it was not
-    std::int64_t recordedSize = 0; // the size the naming header recorded
-    std::int64_t size = 0;         // its size on disk
-    std::string namedBy;           // the file whose header named it first
+    std::string name;                 // as the header naming it spells it
+    std::string path;                 // where it was found; empty when it was not
+    std::int64_t recordedSize = 0;    // the size the naming header recorded
+    std::int64_t size = 0;            // its size on disk
+    std::string namedBy;              // the file whose header named it first
     std::vector<std::string> masters; // the masters its own header names
-    RecordStore store;             // its records, once read
+    RecordStore store;                // its records, once read
     bool found() const { return !path.empty(); }
     bool changed() const { return found() && recordedSize != 0 && recordedSize != size; }
 };

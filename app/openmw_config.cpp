@@ -68,12 +68,19 @@ OpenMwConfig readOpenMwConfig(const FolderSearch& search, const std::string& pat
         config.settings.emplace_back(key, value);
         if (key != "data" && key != "data-local") continue;
         std::string folder = value;
+        // A token stands for a folder, its path ending in a separator ("?userdata?data").
+        auto expand = [&](std::size_t tokenLength, const char* variable, const char* fallback) {
+            std::string rest = folder.substr(tokenLength);
+            rest.erase(0, rest.find_first_not_of('/'));
+            folder = (fs::path(userFolder(search, variable, fallback)) / rest).string();
+        };
         if (folder.rfind("?userdata?", 0) == 0)
-            folder = userFolder(search, "XDG_DATA_HOME", ".local/share") + folder.substr(10);
+            expand(10, "XDG_DATA_HOME", ".local/share");
         else if (folder.rfind("?userconfig?", 0) == 0)
-            folder = userFolder(search, "XDG_CONFIG_HOME", ".config") + folder.substr(12);
+            expand(12, "XDG_CONFIG_HOME", ".config");
         else if (!folder.empty() && folder[0] == '?') {
-            config.refused.push_back(key + "=" + value + ": the folder " + folder.substr(0, folder.find('?', 1) + 1) +
+            config.refused.push_back(key + "=" + value + ": the folder " +
+                                     folder.substr(0, folder.find('?', 1) + 1) +
                                      " stands for is not known here");
             continue;
         }

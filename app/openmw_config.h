@@ -8,7 +8,7 @@ namespace quillon {
 struct FolderSearch;
 
 struct OpenMwConfig {
-    std::string path;                    // the file read; empty when there was none
+    std::string path;                     // the file read; empty when there was none
     std::vector<std::string> dataFolders; // data= lines, then data-local=, in the engine's order
     std::vector<std::string> refused;     // values that name no folder this search can use, with why
     std::vector<std::pair<std::string, std::string>> settings; // every key=value, in order

@@ -6,7 +6,8 @@ namespace quillon {
 const LoadOrder& sessionMasters(Session& session) {
     std::string of = session.recordsPath + "\n" + session.fileStamp;
     if (session.loadOrder && session.loadOrderOf == of) return *session.loadOrder;
-    auto order = std::make_shared<LoadOrder>(findMasters(session.store, session.recordsPath, session.masterSearch));
+    auto order =
+        std::make_shared<LoadOrder>(findMasters(session.store, session.recordsPath, session.masterSearch));
     readMasters(*order);
     std::string name = bareName(session.recordsPath), read;
     for (const std::string& note : order->searchNotes)
@@ -19,13 +20,13 @@ const LoadOrder& sessionMasters(Session& session) {
         }
         read += (read.empty() ? "" : ", ") + m->name;
         if (m->changed())
-            session.log.LogLine("-Master \"" + m->name + "\" has changed since \"" + m->namedBy + "\" was saved: " +
-                                groupedNumber(m->recordedSize) + " bytes then, " + groupedNumber(m->size) +
-                                " now.");
+            session.log.LogLine("-Master \"" + m->name + "\" has changed since \"" + m->namedBy +
+                                "\" was saved: " + groupedNumber(m->recordedSize) + " bytes then, " +
+                                groupedNumber(m->size) + " now.");
     }
     if (!read.empty())
-        session.log.LogLine("-Read the masters of \"" + name + "\" (" + read + ") in " + formatSeconds(order->readMs) +
-                            " seconds.");
+        session.log.LogLine("-Read the masters of \"" + name + "\" (" + read + ") in " +
+                            formatSeconds(order->readMs) + " seconds.");
     session.loadOrder = std::move(order);
     session.loadOrderOf = of;
     return *session.loadOrder;

@@ -37,6 +37,7 @@ Arguments parseArguments(const std::vector<std::string>& args, const std::set<st
                 return a;
             }
             a.values[name] = value;
+            a.every[name].push_back(value);
         } else if (flags.count(name) && !hasValue) {
             a.flags.insert(name);
         } else {

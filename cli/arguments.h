@@ -10,7 +10,8 @@ namespace quillon {
 // "--" ends the options.
 struct Arguments {
     std::vector<std::string> positional;
-    std::map<std::string, std::string> values;
+    std::map<std::string, std::string> values;             // the last value of each option
+    std::map<std::string, std::vector<std::string>> every; // every value of each, in order
     std::set<std::string> flags;
     std::string error; // set when an argument is not one the command takes
 
@@ -18,6 +19,10 @@ struct Arguments {
     std::string value(const std::string& name, const std::string& fallback = {}) const {
         auto found = values.find(name);
         return found == values.end() ? fallback : found->second;
+    }
+    std::vector<std::string> all(const std::string& name) const {
+        auto found = every.find(name);
+        return found == every.end() ? std::vector<std::string>() : found->second;
     }
 };
 

@@ -9,6 +9,7 @@
 #include "cli/context.h"
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
+#include "writer/byte_sink.h"
 
 #include <functional>
 #include <iostream>
@@ -43,26 +44,33 @@ Commands:
                                    change nothing; list what a writer should look at, one line
                                    each: FILE: KIND: INFO ID (topic "T", actor "A"): detail. KINDS
                                    (comma-separated): loop, choice (a choice no response answers),
-                                   topic (AddTopic of no topic of the file or of its masters found
-                                   beside it), master (not found), long (over 512 characters),
+                                   topic (AddTopic of no topic of the file or of its masters),
+                                   master (not found, or changed since the file was saved), long
+                                   (over 512 characters),
                                    style (what the clean-up with OPTIONS would change), damage (a
                                    record Save would write damaged), unknown (a record of unknown
                                    type). Exit 0 with no findings, 1 with findings
   diff-dialogue OLD NEW [--json]   the responses added, removed and changed (text, topic, actor,
                                    result script, conditions) between two files, by INFO ID; exit
                                    0 when they are equal, 1 when they differ
-  quotes FILE --city NAME --format xml|kst -o OUT [--ask-names]
+  quotes FILE --city NAME --format xml|kst -o OUT [--ask-names] [--with-masters]
                                    the quotes of every response with an actor; speaker names
-                                   holding "_" are kept unless --ask-names asks for each
+                                   holding "_" are kept unless --ask-names asks for each;
+                                   --with-masters names speakers the masters define
   morrowindize FILE -o OUT [OPTIONS]
                                    clean every response to the game's house style and save as OUT;
                                    a response that would grow past 512 characters keeps its text
                                    and is listed
   morrowindize-text [OPTIONS]      clean each line of standard input as one response
-  npc-list FILE --cell TEXT [--format text|phpbb|html|csv] [--no-clones] -o OUT
+  npc-list FILE --cell TEXT [--format text|phpbb|html|csv] [--no-clones] [--with-masters] -o OUT
                                    the NPCs placed in every cell whose name holds TEXT (any case),
                                    as a work sheet (csv: one UTF-8 row per NPC for spreadsheets);
-                                   --no-clones leaves out guards and the like
+                                   --no-clones leaves out guards and the like; --with-masters
+                                   lists the cells of the whole load order, merged, and looks NPCs
+                                   and factions up in the masters too
+  load-order FILE                  the masters FILE needs, in load order, each with the path it was
+                                   found at and its size against the size FILE recorded; exit 1
+                                   when one is missing or has changed
 
 Clean-up OPTIONS (all off by default): --line-breaks --american --sentences --space-quotes
   --slang --temple --dashes --ellipsis --square --dash-spaces, or --all for every one
@@ -74,6 +82,11 @@ Every command takes:
 Every command that opens a file takes:
   --unknown=ask|yes|no|yes-to-all  what to do at a record of unknown type (default: keep it and
                                    every further one, with a warning)
+  --data DIR                       a folder to look for masters in, before any other (repeatable,
+                                   the first given first); then OpenMW's data folders, the game's
+                                   Data Files folder and the file's own folder
+  --openmw-cfg FILE                the openmw.cfg whose data= folders are searched (default:
+                                   $XDG_CONFIG_HOME/openmw/openmw.cfg or ~/.config/openmw/openmw.cfg)
 Every command that saves a data file (save, import-dialogue, morrowindize) takes:
   --yes, --no                      answer yes or no when asked to write a savegame (no: nothing is
                                    written, and the finishing line says so with a time of 0.000)
@@ -180,6 +193,7 @@ int quotesCommand(Context& c) {
         return 2;
     }
     if (!openInput(c)) return 1;
+    c.session.useMasters = c.args.has("--with-masters");
     bool askNames = c.args.has("--ask-names");
     c.dialogs.inputAnswer = [&](const Question& what) {
         if (what.id == QuestionId::CityName) return c.args.value("--city");
@@ -253,9 +267,35 @@ int npcListCommand(Context& c) {
         return 2;
     }
     if (!openInput(c)) return 1;
+    c.session.useMasters = c.args.has("--with-masters");
     c.dialogs.savePath = c.args.value("-o");
     c.dialogs.inputAnswer = [&](const Question&) { return c.args.value("--cell"); };
     return exitStatus(ExportNpcList(c.session, c.dialogs, format, c.args.has("--no-clones")));
+}
+
+int loadOrderCommand(Context& c) {
+    if (!openInput(c)) return 1;
+    LoadOrder order = findMasters(c.session.store, c.session.recordsPath, c.session.masterSearch);
+    for (const std::string& note : order.searchNotes)
+        c.err << "quillon: " << forTerminal(note) << '\n';
+    for (const auto& m : order.masters) {
+        std::string line = m->name + ": ";
+        if (!m->found())
+            line += "not found";
+        else
+            line += m->path + " (" + groupedNumber(m->size) + " bytes" +
+                    (m->changed()
+                         ? "; " + m->namedBy + " recorded " + groupedNumber(m->recordedSize) + ": changed"
+                     : m->recordedSize != 0 ? ", as recorded"
+                                            : "") +
+                    ")";
+        c.out << forTerminal(line) << '\n';
+    }
+    if (order.masters.empty())
+        c.err << "quillon: " << forTerminal(c.args.positional[0]) << " names no masters\n";
+    for (const auto& m : order.masters)
+        if (!m->found() || m->changed()) return 1;
+    return 0;
 }
 
 // The flags of every command that saves a data file.
@@ -278,7 +318,13 @@ const std::vector<Command>& commands() {
          importCommand,
          {"-o"}},
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand, {}, true},
-        {"check", 1, kCleanupOptionsWith({"--json"}), {"--unknown", "--only"}, checkCommand, {}, true},
+        {"check",
+         1,
+         kCleanupOptionsWith({"--json", "--with-masters"}),
+         {"--unknown", "--only"},
+         checkCommand,
+         {},
+         true},
         {"diff-dialogue", 2, {"--help", "--json"}, {"--unknown"}, diffDialogueCommand},
         {"morrowindize",
          1,
@@ -289,13 +335,14 @@ const std::vector<Command>& commands() {
         {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
         {"npc-list",
          1,
-         {"--help", "--no-clones"},
+         {"--help", "--no-clones", "--with-masters"},
          {"--unknown", "--cell", "--format", "-o"},
          npcListCommand,
          {"--cell", "-o"}},
+        {"load-order", 1, {"--help"}, {"--unknown"}, loadOrderCommand},
         {"quotes",
          1,
-         {"--help", "--ask-names"},
+         {"--help", "--ask-names", "--with-masters"},
          {"--unknown", "--city", "--format", "-o"},
          quotesCommand,
          {"--city", "--format", "-o"}},
@@ -345,6 +392,10 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         if (args[0] != command.name) continue;
         std::set<std::string> valued = command.valued;
         valued.insert("--code-page");
+        if (valued.count("--unknown")) { // the commands that open a file
+            valued.insert("--data");
+            valued.insert("--openmw-cfg");
+        }
         Arguments parsed = parseArguments({args.begin() + 1, args.end()}, command.flags, valued);
         std::optional<CodePage> page = codePageNamed(parsed.value("--code-page", "1252"));
         if (parsed.error.empty() && !page) parsed.error = "--code-page takes 1252, 1250 or 1251";
@@ -387,6 +438,8 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         if (parsed.has("--force")) c.dialogs.onDamage = DamageChoice::WriteAsIs;
         c.dialogs.err = &err;
         c.session.log.onLine = [&c](const std::string& line) { c.err << forTerminal(line) << '\n'; };
+        c.session.masterSearch.dataFolders = parsed.all("--data");
+        c.session.masterSearch.openMwConfig = parsed.value("--openmw-cfg");
         try {
             return command.run(c);
         } catch (const CliError& e) {

@@ -40,7 +40,8 @@ public:
         if (npc) s = {npc->FNAM, npc->RNAM, npc->CNAM, npc->ANAM};
         if (auto c = creatures_.find(key); c != creatures_.end())
             s.name = store_.CREA[c->second].FNAM;
-        else if (const CreaRecord* creature = masters_ ? masters_->findInMasters(&RecordStore::CREA, actor) : nullptr)
+        else if (const CreaRecord* creature =
+                     masters_ ? masters_->findInMasters(&RecordStore::CREA, actor) : nullptr)
             s.name = creature->FNAM;
         return s;
     }

@@ -227,7 +227,8 @@ bool isClone(const std::string& name) {
 }
 
 std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool skipClones,
-                         const std::string& answer, int& count, SafeFileWriter* drain, const LoadOrder* masters) {
+                         const std::string& answer, int& count, SafeFileWriter* drain,
+                         const LoadOrder* masters) {
     Lookups lookups(store, masters);
     // The prompt says the search is case sensitive; it is not, and the prompt stays as it is.
     Sheet sheet(format, answer, drain);

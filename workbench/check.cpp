@@ -117,8 +117,9 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
         f.record = "TES3";
         f.id = m->name;
         if (!m->found())
-            f.detail = "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
-                       "Data Files); its topics are not known to the topic check";
+            f.detail =
+                "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
+                "Data Files); its topics are not known to the topic check";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
