@@ -321,3 +321,34 @@ TEST(MainWindow, CodePageChoiceDecodesAndEncodesTexts) {
     w.action("mnuwindows-1252")->trigger();
     EXPECT_EQ(activeCodePage(), CodePage::Windows1252);
 }
+
+// Edit > Use Masters: off at start; on, the NPC list lists the master's NPCs placed by the plugin
+// and the log names the masters read.
+TEST(MainWindow, UseMastersListsTheMastersNpcs) {
+    Window w;
+    QAction* use = w.action("mnuUseMasters");
+    ASSERT_NE(use, nullptr);
+    EXPECT_TRUE(use->isCheckable());
+    EXPECT_FALSE(use->isChecked());
+    w.dir.write("Base.esm",
+                file(0, {Rec("NPC_").z("NAME", "ann").z("FNAM", "Ann Arden").z("RNAM", "Nord").bytes()}));
+    std::string mast =
+        Rec("TES3").sub("HEDR", hedr(0)).z("MAST", "base.ESM").sub("DATA", std::string(8, '\0')).bytes();
+    std::string plugin = w.dir.write(
+        "p.esp", mast + Rec("CELL")
+                            .z("NAME", "Hall")
+                            .sub("DATA", le32(1) + le32(0) + le32(0))
+                            .raw("FRMR" + le32(4) + le32(1) + "NAME" + le32(4) + std::string("ann", 4))
+                            .bytes());
+    w.dialogs.openPaths = {plugin};
+    w.key(Qt::Key_O, Qt::ControlModifier);
+    use->trigger();
+    EXPECT_TRUE(w.session.useMasters);
+    w.dialogs.savePaths = {w.dir.file("sheet.txt")};
+    w.dialogs.inputs = {"hall"};
+    QTest::mouseClick(w.find<QPushButton>("cmdList"), Qt::LeftButton);
+    EXPECT_NE(readAll(w.dir.file("sheet.txt")).find("Ann Arden"), std::string::npos)
+        << w.session.log.caption();
+    EXPECT_NE(w.session.log.caption().find("-Read the masters of \"p.esp\" (base.ESM) in "),
+              std::string::npos);
+}

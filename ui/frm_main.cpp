@@ -220,6 +220,13 @@ void FrmMain::createMenus() {
         connect(a, &QAction::triggered, this, c.handler);
         entries_.push_back(a);
     }
+    // The masters as a read-only context for the NPC list, the quote exports and Check Dialogue:
+    // off at every start, since reading a large master costs time the user did not ask for.
+    QAction* masters = menus[1]->addAction(QStringLiteral("Use &Masters"));
+    masters->setObjectName("mnuUseMasters");
+    masters->setCheckable(true);
+    masters->setChecked(session_.useMasters);
+    connect(masters, &QAction::toggled, this, [this](bool on) { session_.useMasters = on; });
     // The code page of the file's texts, held for the session; the Edit menu ends with it.
     QMenu* pages = menus[1]->addMenu(QStringLiteral("Code &Page"));
     pages->setObjectName("mnuCodePage");
