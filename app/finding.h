@@ -1,6 +1,7 @@
 #pragma once
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
@@ -13,6 +14,8 @@ struct Finding {
     std::string detail;
     std::string before, after; // for style: the text and what the clean-up makes of it
     std::size_t info = 0;      // for responses: the index in the store's INFO array
+    std::string word;                     // for spelling: the word not known
+    std::vector<std::string> suggestions; // and what the dictionary offers instead
 };
 
 } // namespace quillon

@@ -46,7 +46,12 @@ Commands:
                                    (comma-separated): loop, choice (a choice no response answers),
                                    topic (AddTopic of no topic of the file or of its masters),
                                    master (not found, or changed since the file was saved), long
-                                   (over 512 characters),
+                                   (over 512 characters), spelling (only when asked for, with
+                                   --only spelling or --spelling: words of responses and topic names
+                                   that neither the dictionary nor the names of the file and its
+                                   masters know; --dictionary NAME|PATH picks the Hunspell
+                                   dictionary, en_US by default, --words FILE adds a UTF-8 word
+                                   list, one word a line),
                                    style (what the clean-up with OPTIONS would change), damage (a
                                    record Save would write damaged), unknown (a record of unknown
                                    type). Exit 0 with no findings, 1 with findings
@@ -320,8 +325,8 @@ const std::vector<Command>& commands() {
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand, {}, true},
         {"check",
          1,
-         kCleanupOptionsWith({"--json", "--with-masters"}),
-         {"--unknown", "--only"},
+         kCleanupOptionsWith({"--json", "--with-masters", "--spelling"}),
+         {"--unknown", "--only", "--dictionary", "--words"},
          checkCommand,
          {},
          true},

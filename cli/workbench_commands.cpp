@@ -3,12 +3,15 @@
 #include "app/file_commands.h"
 #include "cli/context.h"
 #include "dialogue/dialogue_commands.h"
+#include "records/source_bytes.h"
 #include "workbench/check.h"
 #include "workbench/diff.h"
+#include "workbench/spelling.h"
 #include "writer/es_write.h"
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <sstream>
 
 namespace quillon {
@@ -38,8 +41,7 @@ bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostr
     for (std::string kind; std::getline(in, kind, ',');) {
         if (std::find(std::begin(kFindingKinds), std::end(kFindingKinds), kind) == std::end(kFindingKinds)) {
             err << "quillon check: --only takes kinds among master, unknown, damage, loop, choice, topic, "
-                   "long "
-                   "and style\n";
+                   "long, style and spelling\n";
             return false;
         }
         kinds.insert(kind);
@@ -63,6 +65,12 @@ std::string findingJson(const std::string& file, const Finding& f) {
                        ", \"detail\": " + jsonString(f.detail);
     if (f.kind == "style")
         json += ", \"before\": " + jsonString(f.before) + ", \"after\": " + jsonString(f.after);
+    if (f.kind == "spelling") {
+        json += ", \"word\": " + jsonString(f.word) + ", \"suggestions\": [";
+        for (std::size_t i = 0; i < f.suggestions.size(); ++i)
+            json += (i ? ", " : "") + jsonString(f.suggestions[i]);
+        json += "]";
+    }
     return json + "}";
 }
 
@@ -81,10 +89,46 @@ bool open(Context& c, const std::string& path) {
 
 } // namespace
 
+// The dictionary the spelling check asks for, with the words of --words accepted; null with a
+// message when it cannot be had.
+std::unique_ptr<SpellChecker> openDictionary(Context& c) {
+    std::string error;
+    std::unique_ptr<SpellChecker> checker = SpellChecker::open(c.args.value("--dictionary", "en_US"), error);
+    if (!checker) {
+        c.err << "quillon check: " << forTerminal(error) << "\n";
+        return nullptr;
+    }
+    if (std::string list = c.args.value("--words"); !list.empty()) {
+        std::string words = loadFile(list, error);
+        if (!error.empty()) {
+            c.err << "quillon check: the word list \"" << forTerminal(list) << "\" cannot be read: " << error
+                  << "\n";
+            return nullptr;
+        }
+        std::istringstream lines(words);
+        for (std::string word; std::getline(lines, word);) {
+            if (!word.empty() && word.back() == '\r') word.pop_back();
+            std::string bytes;
+            char32_t missing = 0;
+            // A word the code page cannot hold cannot stand in the file's texts either.
+            if (!word.empty() && fromUtf8(word, bytes, missing)) checker->accept(bytes);
+        }
+    }
+    acceptLoreNames(*checker);
+    return checker;
+}
+
 int checkCommand(Context& c) {
     CheckOptions options;
     options.style = cleanupSettings(c.args);
     if (!parseKinds(c.args.value("--only"), options.only, c.err)) return 2;
+    // Spelling is checked only when asked for: it needs a dictionary, a plain check does not.
+    std::unique_ptr<SpellChecker> dictionary;
+    if (c.args.has("--spelling") || options.only.count("spelling")) {
+        dictionary = openDictionary(c);
+        if (!dictionary) return 2;
+        options.spelling = dictionary.get();
+    }
     bool json = c.args.has("--json"), unreadable = false;
     std::vector<std::string> items;
     for (const std::string& path : c.args.positional) {

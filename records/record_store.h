@@ -33,6 +33,7 @@ struct RecordStore {
 
     // Calls f(array) for each of the 56 arrays in the order they are written, the unknown records last.
     template <class F> void forEachArray(F&& f);
+    template <class F> void forEachArray(F&& f) const;
 };
 
 // Empties every array and the current topic; done before a read and by Close.
@@ -42,6 +43,13 @@ void ClearRecords(RecordStore& store);
 void TrimRecords(RecordStore& store);
 
 template <class F> void RecordStore::forEachArray(F&& f) {
+#define QUILLON_EACH(T, ...) f(T);
+    QUILLON_RECORD_TYPES(QUILLON_EACH)
+#undef QUILLON_EACH
+    f(Unknown);
+}
+
+template <class F> void RecordStore::forEachArray(F&& f) const {
 #define QUILLON_EACH(T, ...) f(T);
     QUILLON_RECORD_TYPES(QUILLON_EACH)
 #undef QUILLON_EACH

@@ -7,6 +7,7 @@
 #include "cleanup/text_rules.h"
 #include "dialogue/result_scripts.h"
 #include "records/es_read.h"
+#include "workbench/spelling.h"
 #include "writer/byte_sink.h"
 #include "writer/es_write.h"
 
@@ -16,8 +17,8 @@
 
 namespace quillon {
 
-const char* const kFindingKinds[8] = {"master", "unknown", "damage", "loop",
-                                      "choice", "topic",   "long",   "style"};
+const char* const kFindingKinds[9] = {"master", "unknown", "damage", "loop",    "choice",
+                                      "topic",  "long",    "style",  "spelling"};
 
 namespace {
 
@@ -157,6 +158,13 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     checkRecords(store, recordCount, options, all);
     checkScripts(store, options, all);
     checkTexts(store.INFO, options, all);
+    if (options.spelling && wants(options, "spelling")) {
+        acceptNames(*options.spelling, store);
+        if (options.masters)
+            for (const auto& m : options.masters->masters)
+                acceptNames(*options.spelling, m->store);
+        checkSpelling(store, *options.spelling, all);
+    }
     std::vector<Finding> kept;
     for (const char* kind : kFindingKinds)
         for (Finding& f : all)

@@ -6,6 +6,7 @@
 #include "app/outcome.h"
 #include "app/session.h"
 #include "records/record_store.h"
+#include "workbench/spell_checker.h"
 
 #include <cstdint>
 #include <set>
@@ -15,7 +16,7 @@
 namespace quillon {
 
 // Every kind, in the order a file's findings are listed.
-extern const char* const kFindingKinds[8];
+extern const char* const kFindingKinds[9];
 
 struct CheckOptions {
     CleanupSettings style;      // the clean-up the style findings compare with
@@ -24,6 +25,8 @@ struct CheckOptions {
     // The file's masters, when they were looked for: their topics are known to the topic check,
     // their responses answer choices, and a master not found or changed is a finding.
     const LoadOrder* masters = nullptr;
+    // The spelling check's dictionary, when it was asked for: a plain check needs none.
+    SpellChecker* spelling = nullptr;
 };
 
 // The findings of a store read whole, kind by kind.

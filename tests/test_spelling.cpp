@@ -1,0 +1,110 @@
+// The spelling check: only words that neither the dictionary nor the load order's names know are
+// named, with the dictionary's suggestions; in the file's code page, Cyrillic included.
+#include "cli_run.h"
+#include "helpers.h"
+#include "workbench/spelling.h"
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+std::string header(const std::string& master) {
+    Rec r("TES3");
+    r.sub("HEDR", hedr(0));
+    if (!master.empty()) r.z("MAST", master).sub("DATA", std::string(8, '\0'));
+    return r.bytes();
+}
+
+std::string npc(const std::string& id, const std::string& name) {
+    return Rec("NPC_").z("NAME", id).z("FNAM", name).z("RNAM", "Dark Elf").bytes();
+}
+
+std::string topic(const std::string& name) {
+    return Rec("DIAL").z("NAME", name).sub("DATA", std::string(1, '\0')).bytes();
+}
+
+bool haveDictionary(const std::string& name) {
+    std::string error;
+    return SpellChecker::open(name, error) != nullptr;
+}
+
+} // namespace
+
+TEST(Spelling, OnlyTheMisspeltWordIsNamedWithItsCorrection) {
+    if (!haveDictionary("en_US")) GTEST_SKIP() << "the en_US dictionary (hunspell-en-us) is not installed";
+    TempDir dir;
+    Rec guild("FACT");
+    guild.z("NAME", "hh").z("FNAM", "House Hlaalu").sub("RNAM", fixed("Hearthfriend", 32));
+    std::filesystem::create_directories(dir.file("data"));
+    dir.write(
+        "data/Base.esm",
+        file(0, {npc("ilmeni", "Ilmeni Dren"), guild.bytes(),
+                 Rec("CELL").z("NAME", "Seyda Neen").sub("DATA", le32(0) + le32(-2) + le32(-9)).bytes()}));
+    std::string text =
+        "Ilmeni Dren of Seyda Neen, a Hearthfriend of the Hlaalus, asked about Balmora and Dagoth "
+        "for %PCName and ks_fenrick at 12 o'clock: Fargoth's kwamakin will come tommorow.";
+    std::string plugin = dir.write("p.esp", header("Base.esm") + npc("fargoth", "Fargoth") +
+                                                topic("Balmora") + response("1", "fargoth", text));
+    std::string words = dir.write("words.txt", "Kwamakin\n");
+    CliRun r = cli({"check", plugin, "--only", "spelling", "--data", dir.file("data"), "--words", words});
+    EXPECT_EQ(r.status, 1) << r.err;
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1) << r.out;
+    EXPECT_EQ(r.out.rfind(plugin +
+                              ": spelling: INFO 1 (topic \"Balmora\", actor \"fargoth\"): \"tommorow\" at "
+                              "character " +
+                              std::to_string(text.find("tommorow") + 1) +
+                              " is not in the dictionary; did you mean \"tomorrow\"",
+                          0),
+              0u)
+        << r.out;
+
+    CliRun json = cli({"check", plugin, "--spelling", "--only", "spelling", "--json", "--data",
+                       dir.file("data"), "--words", words});
+    EXPECT_NE(json.out.find("\"kind\": \"spelling\""), std::string::npos) << json.out;
+    EXPECT_NE(json.out.find("\"word\": \"tommorow\", \"suggestions\": [\"tomorrow\""), std::string::npos)
+        << json.out;
+
+    // Without the master its names are not known; without --words neither is the word list's.
+    CliRun alone = cli({"check", plugin, "--only", "spelling"});
+    for (const char* word : {"\"Hearthfriend\"", "\"kwamakin\"", "\"Ilmeni\""})
+        EXPECT_NE(alone.out.find(word), std::string::npos) << word << alone.out;
+}
+
+TEST(Spelling, AskedForOnlyAndWithADictionaryThatExists) {
+    TempDir dir;
+    std::string plugin =
+        dir.write("p.esp", header("") + topic("T") + response("1", "a", "Tommorow never comes."));
+    CliRun plain = cli({"check", plugin});
+    EXPECT_EQ(plain.out.find("spelling"), std::string::npos);
+    CliRun missing = cli({"check", plugin, "--spelling", "--dictionary", "xx_NOWHERE"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.err.find("the dictionary \"xx_NOWHERE\" was not found"), std::string::npos)
+        << missing.err;
+    CliRun noList = cli({"check", plugin, "--spelling", "--words", dir.file("none.txt")});
+    EXPECT_EQ(noList.status, 2);
+}
+
+TEST(Spelling, CyrillicTextThroughTheCodePage) {
+    if (!haveDictionary("ru_RU")) GTEST_SKIP() << "the ru_RU dictionary (hunspell-ru) is not installed";
+    TempDir dir;
+    // "Привет, Фаргот! Как дила?" in Windows-1251, with a name and one misspelt word.
+    std::string text = "\xcf\xf0\xe8\xe2\xe5\xf2, \xd4\xe0\xf0\xe3\xee\xf2! \xca\xe0\xea \xe4\xe8\xeb\xe0?";
+    std::string plugin = dir.write("p.esp", header("") + npc("fargoth", "\xd4\xe0\xf0\xe3\xee\xf2") +
+                                                topic("T") + response("1", "fargoth", text));
+    CliRun r = cli({"check", plugin, "--only", "spelling", "--code-page", "1251", "--dictionary", "ru_RU"});
+    EXPECT_EQ(r.status, 1) << r.err;
+    EXPECT_NE(r.out.find("\"\xd0\xb4\xd0\xb8\xd0\xbb\xd0\xb0\" at character " +
+                         std::to_string(text.find("\xe4\xe8") + 1)),
+              std::string::npos)
+        << r.out; // дила
+    EXPECT_NE(r.out.find("did you mean"), std::string::npos) << r.out;
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1) << r.out;
+}
+
+TEST(Spelling, WordsToCheckLeaveOutPlaceholdersNumbersAndIds) {
+    std::vector<std::string> words;
+    for (const WordAt& w : wordsToCheck("%PCName's 3 guar_2 don't 'quoted' well-known M'aiq x9"))
+        words.emplace_back(w.word);
+    EXPECT_EQ(words, (std::vector<std::string>{"don't", "quoted", "well", "known", "M'aiq"}));
+}
