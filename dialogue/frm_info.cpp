@@ -3,6 +3,7 @@
 #include "app/text.h"
 #include "qt_text/code_page.h"
 #include "qt_text/form_text.h"
+#include "workbench/frm_spelling.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,7 +13,8 @@
 
 namespace quillon {
 
-FrmInfo::FrmInfo(const std::string& actor, const std::string& topic, const std::string& text, QWidget* parent)
+FrmInfo::FrmInfo(const std::string& actor, const std::string& topic, const std::string& text, QWidget* parent,
+                 SpellChecker* spelling)
     : QDialog(parent), text_(text) {
     setWindowTitle(QStringLiteral("Quillon"));
     txtINFO = new QPlainTextEdit(toEditor(text));
@@ -42,6 +44,7 @@ FrmInfo::FrmInfo(const std::string& actor, const std::string& topic, const std::
     layout->addLayout(buttons);
     resize(560, 320);
 
+    if (spelling) new SpellingHighlighter(txtINFO, *spelling);
     connect(txtINFO, &QPlainTextEdit::textChanged, this, &FrmInfo::showLength);
     connect(cmdAccept, &QPushButton::clicked, this, &FrmInfo::accept);
     connect(cmdCancel, &QPushButton::clicked, this, &FrmInfo::reject);

@@ -8,17 +8,21 @@
 #include "ui/frm_main.h"
 #include "ui/qt_dialogs.h"
 #include "workbench/frm_check.h"
+#include "workbench/spell_checker.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QTimer>
 
 #include <functional>
@@ -351,4 +355,38 @@ TEST(MainWindow, UseMastersListsTheMastersNpcs) {
         << w.session.log.caption();
     EXPECT_NE(w.session.log.caption().find("-Read the masters of \"p.esp\" (base.ESM) in "),
               std::string::npos);
+}
+
+// The response editor underlines an unknown word as it stands and offers its correction and
+// "Ignore" on right-click; an ignored word is no longer underlined.
+TEST(FrmInfo, UnderlinesUnknownWordsAndIgnoresThemOnRequest) {
+    std::string error;
+    std::unique_ptr<SpellChecker> checker = SpellChecker::open("en_US", error);
+    if (!checker) GTEST_SKIP() << error;
+    FrmInfo form("fargoth", "T", "See you tommorow.", nullptr, checker.get());
+    form.show();
+    QApplication::processEvents(); // the highlighter's first pass is queued
+    auto* text = form.findChild<QPlainTextEdit*>("txtINFO");
+    auto underlined = [&] {
+        std::vector<std::pair<int, int>> out;
+        for (const QTextLayout::FormatRange& r : text->document()->firstBlock().layout()->formats())
+            if (r.format.underlineStyle() == QTextCharFormat::SpellCheckUnderline)
+                out.emplace_back(r.start, r.length);
+        return out;
+    };
+    EXPECT_EQ(underlined(), (std::vector<std::pair<int, int>>{{8, 8}}));
+    QStringList offered;
+    QTimer::singleShot(0, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* a : menu->actions())
+            offered << a->text();
+        menu->findChild<QAction*>("mnuIgnoreWord")->trigger();
+        menu->close();
+    });
+    QRect word = text->cursorRect(QTextCursor(text->document()->findBlockByNumber(0)));
+    QPoint at(word.left() + text->fontMetrics().horizontalAdvance("See you tom"), word.center().y());
+    emit text->customContextMenuRequested(at);
+    EXPECT_TRUE(offered.contains("tomorrow")) << offered.join(",").toStdString();
+    EXPECT_TRUE(underlined().empty());
 }

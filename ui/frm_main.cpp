@@ -9,6 +9,7 @@
 #include "qt_text/code_page.h"
 #include "ui/qt_dialogs.h"
 #include "workbench/check.h"
+#include "workbench/spelling.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -173,11 +174,13 @@ QString keyHint(const WindowCommand& c) {
 
 FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialogs_(dialogs) {
     if (!dialogs_) {
-        ownDialogs_ = std::make_unique<QtDialogs>(this, [this] {
+        auto qt = std::make_unique<QtDialogs>(this, [this] {
             refresh();
             lblLog->repaint();
         });
-        dialogs_ = ownDialogs_.get();
+        qt->setSpelling([this] { return spelling(); });
+        dialogs_ = qt.get();
+        ownDialogs_ = std::move(qt);
     }
     setWindowTitle(QStringLiteral("Quillon"));
     setObjectName("frmMain");
@@ -190,6 +193,24 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
     // The window sees every key before its controls do.
     qApp->installEventFilter(this);
     refresh();
+}
+
+SpellChecker* FrmMain::spelling() {
+    if (!spellingTried_) {
+        spellingTried_ = true;
+        std::string error;
+        spelling_ = SpellChecker::open("en_US", error);
+        if (spelling_)
+            acceptLoreNames(*spelling_);
+        else
+            session_.log.LogLine("-Spelling is not checked: " + error + ".");
+    }
+    std::string of = session_.recordsPath + "\n" + session_.fileStamp;
+    if (spelling_ && spellingNamesOf_ != of) {
+        acceptNames(*spelling_, session_.store);
+        spellingNamesOf_ = of;
+    }
+    return spelling_.get();
 }
 
 FrmMain::~FrmMain() {
@@ -479,7 +500,7 @@ void FrmMain::onList() {
     run([&] { ExportNpcList(session_, *dialogs_, format, chkClones->isChecked()); });
 }
 void FrmMain::onCheck() {
-    run([&] { CheckDialogue(session_, *dialogs_); });
+    run([&] { CheckDialogue(session_, *dialogs_, spelling()); });
 }
 void FrmMain::onQuotesXml() {
     run([&] { ExportQuotesXml(session_, *dialogs_); });

@@ -17,6 +17,8 @@ class QRadioButton;
 
 namespace quillon {
 
+class SpellChecker;
+
 // The main window: the session's log and record counts, and a button, menu entry or shortcut
 // for every command. The commands themselves are plain functions over the session.
 class FrmMain : public QMainWindow {
@@ -69,6 +71,10 @@ public:
     void onAbout();
 
 private:
+    // The session's spell checker (en_US), opened on first use, knowing the open file's names and
+    // the words the writer ignored; null when the dictionary is not installed.
+    SpellChecker* spelling();
+
     Session& session_;
     std::unique_ptr<Dialogs> ownDialogs_;
     Dialogs* dialogs_;
@@ -78,6 +84,9 @@ private:
     std::vector<QWidget*> buttons_;
     QRadioButton *optPure, *optHTML, *optPHP;
     QCheckBox* chkClones;
+    std::unique_ptr<SpellChecker> spelling_;
+    bool spellingTried_ = false;
+    std::string spellingNamesOf_; // the file whose names the checker has taken
     QLabel* lblLog;
     QLabel* lblSaves;
     std::array<QLabel*, 57> lblRecName{}, lblCount{};

@@ -117,7 +117,7 @@ std::string QtDialogs::saveFile(const FileRequest& request) {
 
 std::string QtDialogs::editResponse(const std::string& actor, const std::string& topic,
                                     const std::string& text) {
-    FrmInfo form(actor, topic, text, owner_);
+    FrmInfo form(actor, topic, text, owner_, spelling_ ? spelling_() : nullptr);
     form.exec();
     return form.text();
 }

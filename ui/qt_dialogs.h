@@ -9,6 +9,8 @@ class QWidget;
 
 namespace quillon {
 
+class SpellChecker;
+
 // "desc|pattern;pattern|desc|pattern..." as Qt's "desc (pattern pattern)" filters; each pattern
 // also in lower case, since the file systems here tell letter case apart.
 QStringList toQtFilters(const std::string& filter);
@@ -39,12 +41,15 @@ public:
                       const std::function<std::string(std::size_t)>& edit) override;
     void about() override;
     void refreshLog() override { repaintLog_(); }
+    // Where the response editor gets its spell checker (null: none).
+    void setSpelling(std::function<SpellChecker*()> spelling) { spelling_ = std::move(spelling); }
 
 private:
     Answer message(const std::string& text, Buttons buttons, Icon icon, const std::string& title);
     std::string chooseFile(const FileRequest& request, bool save);
 
     QWidget* owner_;
+    std::function<SpellChecker*()> spelling_;
     std::function<void()> repaintLog_;
 };
 

@@ -173,8 +173,9 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     return kept;
 }
 
-Outcome CheckDialogue(Session& session, Dialogs& dialogs) {
+Outcome CheckDialogue(Session& session, Dialogs& dialogs, SpellChecker* spelling) {
     CheckOptions options;
+    options.spelling = spelling;
     options.style = session.settings;
     options.fileType = fileTypeFor(session.currentPath);
     options.masters = &sessionMasters(session);

@@ -34,6 +34,7 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
 
 // Check Dialogue: the check of the open file, shown for review with the session's clean-up
 // settings; a response can be edited from the list, its sizes following its text.
-Outcome CheckDialogue(Session& session, Dialogs& dialogs);
+// With a spell checker, spelling findings are listed too.
+Outcome CheckDialogue(Session& session, Dialogs& dialogs, SpellChecker* spelling = nullptr);
 
 } // namespace quillon
