@@ -12,8 +12,8 @@ struct Finding {
     std::string id;              // the record's ID (an INFO's INAM)
     std::string topic, actor;    // for responses
     std::string detail;
-    std::string before, after; // for style: the text and what the clean-up makes of it
-    std::size_t info = 0;      // for responses: the index in the store's INFO array
+    std::string before, after;            // for style: the text and what the clean-up makes of it
+    std::size_t info = 0;                 // for responses: the index in the store's INFO array
     std::string word;                     // for spelling: the word not known
     std::vector<std::string> suggestions; // and what the dictionary offers instead
 };
