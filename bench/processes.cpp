@@ -105,6 +105,7 @@ ProcessRun timeProcesses(const std::string& quillon, const std::string& esmtool,
         {"dd bs=8M conv=fsync", {"/bin/dd", "if=" + saved, "of=" + copied, "bs=8M", "conv=fsync"}, copied},
         {"quillon morrowindize --all", {quillon, "morrowindize", file, "-o", cleaned, "--all"}, cleaned},
         {"check with master", {quillon, "check", plugin, "--only", "topic,choice,master"}, ""},
+        {"check --only spelling", {quillon, "check", file, "--only", "spelling"}, ""},
         {"npc-list --with-masters",
          {quillon, "npc-list", plugin, "--cell", "Vivec", "--with-masters", "-o", sheet},
          sheet},
@@ -121,7 +122,9 @@ ProcessRun timeProcesses(const std::string& quillon, const std::string& esmtool,
             if (!steps[i].output.empty()) std::filesystem::remove(steps[i].output);
             ::sync(); // no run pays for the writing of the one before
             Spawned s = spawn(steps[i].argv);
-            if (!s.ok) std::fprintf(stderr, "warning: \"%s\" failed\n", steps[i].name.c_str());
+            // A check that finds something exits 1, and that is its answer, not a failure.
+            if (!s.ok && steps[i].name.rfind("check", 0) != 0)
+                std::fprintf(stderr, "warning: \"%s\" failed\n", steps[i].name.c_str());
             times[i].push_back(s.ms);
             peaks[i] = std::max(peaks[i], s.peakMb);
         }
