@@ -41,7 +41,7 @@ bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostr
     for (std::string kind; std::getline(in, kind, ',');) {
         if (std::find(std::begin(kFindingKinds), std::end(kFindingKinds), kind) == std::end(kFindingKinds)) {
             err << "quillon check: --only takes kinds among master, unknown, damage, loop, choice, topic, "
-                   "long, style and spelling\n";
+                   "script, reference, long, style and spelling\n";
             return false;
         }
         kinds.insert(kind);
@@ -65,6 +65,7 @@ std::string findingJson(const std::string& file, const Finding& f) {
                        ", \"detail\": " + jsonString(f.detail);
     if (f.kind == "style")
         json += ", \"before\": " + jsonString(f.before) + ", \"after\": " + jsonString(f.after);
+    if (f.kind == "script" || f.kind == "reference") json += ", \"line\": " + std::to_string(f.line);
     if (f.kind == "spelling") {
         json += ", \"word\": " + jsonString(f.word) + ", \"suggestions\": [";
         for (std::size_t i = 0; i < f.suggestions.size(); ++i)

@@ -2,8 +2,7 @@
 
 #include "app/session.h"
 #include "app/text.h"
-
-#include <cctype>
+#include "script/script_reader.h"
 
 namespace quillon {
 
@@ -44,62 +43,28 @@ bool offersChoice(const std::string& line, std::int32_t choice) {
            wildcardMatch(line, "*Choice \"*\" " + number + " *");
 }
 
-namespace {
-
-bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-
-// Where the keyword starts as a word of the line, ignoring case; npos when absent.
-std::size_t keyword(const std::string& line, std::string_view word) {
-    for (std::size_t at = findIgnoreCase(line, word); at != std::string::npos;
-         at = findIgnoreCase(line, word, at + 1)) {
-        bool startsWord = at == 0 || !std::isalnum(static_cast<unsigned char>(line[at - 1]));
-        std::size_t end = at + word.size();
-        if (startsWord && (end == line.size() || isBlank(line[end]) || line[end] == '"')) return end;
-    }
-    return std::string::npos;
-}
-
-} // namespace
-
 std::vector<std::int32_t> choicesOn(const std::string& line) {
     std::vector<std::int32_t> choices;
-    std::size_t p = keyword(line, "Choice");
-    if (p == std::string::npos) return choices;
-    for (;;) {
-        while (p < line.size() && isBlank(line[p]))
-            ++p;
-        if (p >= line.size() || line[p] != '"') break;
-        std::size_t close = line.find('"', p + 1);
-        if (close == std::string::npos) break;
-        p = close + 1;
-        while (p < line.size() && isBlank(line[p]))
-            ++p;
-        std::size_t digits = p;
-        while (p < line.size() && std::isdigit(static_cast<unsigned char>(line[p])))
-            ++p;
-        if (p == digits || p - digits > 9) break;
-        choices.push_back(std::stoi(line.substr(digits, p - digits)));
+    for (const ScriptStatement& s : readScript(line)) {
+        if (s.head.kind != ScriptToken::Name || !sameName(s.head.text, "choice")) continue;
+        // Each text with its number, up to the first argument that breaks the pairs.
+        for (std::size_t i = 0; i + 1 < s.arguments.size(); i += 2) {
+            const ScriptToken &text = s.arguments[i], &number = s.arguments[i + 1];
+            if (text.kind != ScriptToken::Text || number.kind != ScriptToken::Number ||
+                number.text.size() > 9 || number.text.find('.') != std::string_view::npos)
+                break;
+            choices.push_back(std::stoi(std::string(number.text)));
+        }
     }
     return choices;
 }
 
 std::vector<std::string> topicsAddedOn(const std::string& line) {
     std::vector<std::string> topics;
-    std::size_t p = keyword(line, "AddTopic");
-    if (p == std::string::npos) return topics;
-    while (p < line.size() && isBlank(line[p]))
-        ++p;
-    if (p < line.size() && line[p] == '"') {
-        std::size_t close = line.find('"', p + 1);
-        if (close != std::string::npos) topics.push_back(line.substr(p + 1, close - p - 1));
-    } else {
-        std::size_t end = p;
-        while (end < line.size() && !isBlank(line[end]))
-            ++end;
-        if (end > p) topics.push_back(line.substr(p, end - p));
-    }
+    for (const ScriptStatement& s : readScript(line))
+        if (s.head.kind == ScriptToken::Name && sameName(s.head.text, "addtopic") && !s.arguments.empty() &&
+            s.arguments[0].kind != ScriptToken::Symbol)
+            topics.emplace_back(s.arguments[0].text);
     return topics;
 }
 

@@ -7,6 +7,7 @@
 #include "cleanup/text_rules.h"
 #include "dialogue/result_scripts.h"
 #include "records/es_read.h"
+#include "workbench/script_findings.h"
 #include "workbench/spelling.h"
 #include "writer/byte_sink.h"
 #include "writer/es_write.h"
@@ -17,8 +18,8 @@
 
 namespace quillon {
 
-const char* const kFindingKinds[9] = {"master", "unknown", "damage", "loop",    "choice",
-                                      "topic",  "long",    "style",  "spelling"};
+const char* const kFindingKinds[11] = {"master", "unknown",   "damage", "loop",  "choice",  "topic",
+                                       "script", "reference", "long",   "style", "spelling"};
 
 namespace {
 
@@ -46,7 +47,7 @@ public:
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 
-void checkScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
+void checkResultScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
     const std::vector<InfoRecord>& infos = store.INFO;
     // The topics and the choices each topic's responses are shown on (by topic as the writer
     // matches them), of the file and of its masters: a master's response answers the choice too.
@@ -120,7 +121,7 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
         if (!m->found())
             f.detail =
                 "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
-                "Data Files); its topics are not known to the topic check";
+                "Data Files); its topics are not known to the topic check and references are not checked";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
@@ -156,7 +157,8 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
                                    const CheckOptions& options) {
     std::vector<Finding> all;
     checkRecords(store, recordCount, options, all);
-    checkScripts(store, options, all);
+    checkResultScripts(store, options, all);
+    checkScripts(store, options.masters, options.only, all);
     checkTexts(store.INFO, options, all);
     if (options.spelling && wants(options, "spelling")) {
         acceptNames(*options.spelling, store);

@@ -1,0 +1,82 @@
+#include "script/script_reader.h"
+
+#include <cctype>
+
+namespace quillon {
+
+namespace {
+
+bool isNameByte(unsigned char c) {
+    return std::isalnum(c) || c == '_' || c == '\'' || c >= 0x80;
+}
+
+// The tokens of one line, up to its comment.
+std::vector<ScriptToken> tokens(std::string_view line, bool& unterminated) {
+    std::vector<ScriptToken> out;
+    for (std::size_t i = 0; i < line.size();) {
+        auto c = static_cast<unsigned char>(line[i]);
+        if (c == ';') break;
+        if (std::isspace(c) || c == ',') {
+            ++i;
+        } else if (c == '"') {
+            std::size_t close = line.find('"', i + 1);
+            unterminated = close == std::string_view::npos;
+            std::size_t end = unterminated ? line.size() : close;
+            out.push_back({ScriptToken::Text, line.substr(i + 1, end - i - 1)});
+            i = unterminated ? line.size() : close + 1;
+        } else if (isNameByte(c)) {
+            std::size_t start = i;
+            bool number = true;
+            while (i < line.size() && (isNameByte(static_cast<unsigned char>(line[i])) ||
+                                       (line[i] == '.' && number && i + 1 < line.size() &&
+                                        std::isdigit(static_cast<unsigned char>(line[i + 1]))))) {
+                number = number && (std::isdigit(static_cast<unsigned char>(line[i])) || line[i] == '.');
+                ++i;
+            }
+            out.push_back({number ? ScriptToken::Number : ScriptToken::Name, line.substr(start, i - start)});
+        } else {
+            std::string_view two = line.substr(i, 2);
+            std::size_t n = two == "->" || two == "==" || two == "!=" || two == "<=" || two == ">=" ? 2 : 1;
+            out.push_back({ScriptToken::Symbol, line.substr(i, n)});
+            i += n;
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+bool sameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+std::vector<ScriptStatement> readScript(std::string_view script) {
+    std::vector<ScriptStatement> out;
+    std::size_t number = 0;
+    for (std::size_t start = 0; start <= script.size();) {
+        std::size_t end = script.find('\n', start);
+        if (end == std::string_view::npos) end = script.size();
+        ++number;
+        ScriptStatement s;
+        s.line = number;
+        std::vector<ScriptToken> line = tokens(script.substr(start, end - start), s.unterminated);
+        start = end + 1;
+        if (line.empty()) continue;
+        std::size_t head = 0;
+        if (line.size() >= 3 && line[1].kind == ScriptToken::Symbol && line[1].text == "->" &&
+            line[0].kind != ScriptToken::Symbol) {
+            s.reference = line[0].text;
+            head = 2;
+        }
+        s.head = line[head];
+        s.arguments.assign(line.begin() + std::ptrdiff_t(head) + 1, line.end());
+        out.push_back(std::move(s));
+    }
+    return out;
+}
+
+} // namespace quillon
