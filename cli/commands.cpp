@@ -73,6 +73,18 @@ Commands:
                                    --no-clones leaves out guards and the like; --with-masters
                                    lists the cells of the whole load order, merged, and looks NPCs
                                    and factions up in the masters too
+  translate-template FILE... -o OUT.pot
+                                   a PO template (UTF-8) of every response and topic name of the
+                                   files, for translation editors (Poedit, Lokalize, Weblate)
+  translate FILE IN.po -o OUT      apply a PO and save as OUT (or FILE... IN.po --out-dir DIR,
+                                   each file under its own name): a text whose source is still
+                                   the file's gets its translation, others are named as stale; a
+                                   translated topic renames its responses' topic and every
+                                   AddTopic naming it; a character the code page lacks is refused
+  check-translation FILE IN.po [--json]
+                                   what a translator should look at: stale, untranslated,
+                                   placeholder (%PCName lost or added), hyperlink (a topic named in
+                                   the text missing from the translation), long, charset
   load-order FILE                  the masters FILE needs, in load order, each with the path it was
                                    found at and its size against the size FILE recorded; exit 1
                                    when one is missing or has changed
@@ -345,6 +357,9 @@ const std::vector<Command>& commands() {
          npcListCommand,
          {"--cell", "-o"}},
         {"load-order", 1, {"--help"}, {"--unknown"}, loadOrderCommand},
+        {"translate-template", 1, {"--help"}, {"--unknown", "-o"}, translateTemplateCommand, {"-o"}, true},
+        {"translate", 2, withWriteOptions({}), {"--unknown", "-o", "--out-dir"}, translateCommand, {}, true},
+        {"check-translation", 2, {"--help", "--json"}, {"--unknown"}, checkTranslationCommand},
         {"quotes",
          1,
          {"--help", "--ask-names", "--with-masters"},

@@ -8,6 +8,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
@@ -30,9 +31,17 @@ std::string responseName(const std::string& id, const std::string& topic, const 
 // A text on one line: quoted, its line breaks shown as \r and \n.
 std::string oneLine(const std::string& text);
 
+// A JSON array of items, one a line.
+void printJson(std::ostream& out, const std::vector<std::string>& items);
+
 // The workbench: check, diff-dialogue and the loop list of several files.
 int checkCommand(Context& c);
 int diffDialogueCommand(Context& c);
 int loopsCommand(Context& c);
+
+// Translation: the PO template, a PO applied, a PO checked.
+int translateTemplateCommand(Context& c);
+int translateCommand(Context& c);
+int checkTranslationCommand(Context& c);
 
 } // namespace quillon

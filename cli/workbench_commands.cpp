@@ -20,6 +20,13 @@ std::string responseName(const std::string& id, const std::string& topic, const 
     return "INFO " + id + " (topic \"" + topic + "\", actor \"" + actor + "\")";
 }
 
+void printJson(std::ostream& out, const std::vector<std::string>& items) {
+    out << "[";
+    for (std::size_t i = 0; i < items.size(); ++i)
+        out << (i ? ",\n " : "\n ") << items[i];
+    out << (items.empty() ? "]\n" : "\n]\n");
+}
+
 std::string oneLine(const std::string& text) {
     std::string out = "\"";
     for (char ch : text) {
@@ -73,14 +80,6 @@ std::string findingJson(const std::string& file, const Finding& f) {
         json += "]";
     }
     return json + "}";
-}
-
-// Prints a JSON array of items, one a line.
-void printJson(std::ostream& out, const std::vector<std::string>& items) {
-    out << "[";
-    for (std::size_t i = 0; i < items.size(); ++i)
-        out << (i ? ",\n " : "\n ") << items[i];
-    out << (items.empty() ? "]\n" : "\n]\n");
 }
 
 // Opens path into the session; false (with the reader's messages said) when it was not read whole.

@@ -9,6 +9,7 @@ void ClearRecords(RecordStore& store) {
     });
     store.CurrentTopic.clear();
     store.editNotes.clear();
+    store.editedTexts.clear();
     store.source.reset();
 }
 

@@ -3,6 +3,7 @@
 #include "records/record_types.h"
 #include "records/source_bytes.h"
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -30,6 +31,9 @@ struct RecordStore {
     // The user answered the unknown-record question with "Yes To All".
     bool SkipUnknownPrompt = false;
     EditNotes editNotes;
+    // Texts edited where a record kept a view into the file's bytes (a script's source text): the
+    // record's view points here instead, where it stays put however many are added.
+    std::deque<std::string> editedTexts;
 
     // Calls f(array) for each of the 56 arrays in the order they are written, the unknown records last.
     template <class F> void forEachArray(F&& f);

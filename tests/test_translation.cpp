@@ -1,0 +1,140 @@
+// The PO round trip: a template gettext's tools accept, a PO applied (topic renaming following every
+// AddTopic), one PO carried into several plugins, and the translation check.
+#include "cli_run.h"
+#include "helpers.h"
+#include "translation/po_file.h"
+#include "writer/es_write.h"
+
+#include <cstdlib>
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+std::string topic(const std::string& name) {
+    return Rec("DIAL").z("NAME", name).sub("DATA", std::string(1, '\0')).bytes();
+}
+
+// A topic, responses naming it (one with %PCName), a result script and a script adding it.
+std::string plugin() {
+    std::string schd = fixed("ks_secret", 32) + std::string(20, '\0');
+    return file(
+        0, {Rec("SCPT")
+                .sub("SCHD", schd)
+                .sub("SCDT", "x")
+                .text("SCTX", "Begin ks_secret\r\nAddTopic \"Little Secret\"\r\nEnd")
+                .bytes(),
+            topic("little secret"), response("1", "ks_fenrick", "Ask me about my little secret, %PCName."),
+            response("2", "ks_fenrick", "It stays a secret.", "AddTopic \"little secret\"\r\nGoodbye")});
+}
+
+// The template's entries, each given a translation by translate (the msgid when it returns it).
+std::string translated(const std::string& pot, const std::function<std::string(const PoEntry&)>& translate) {
+    std::string error;
+    std::vector<PoEntry> entries = readPo(pot, error);
+    EXPECT_EQ(error, "");
+    for (PoEntry& e : entries)
+        e.translation = translate(e);
+    return poText(entries, "test");
+}
+
+const char* const kTopicUk =
+    "\xd0\xbc\xd0\xb0\xd0\xbb\xd0\xb5\xd0\xbd\xd1\x8c\xd0\xba\xd0\xb0 \xd1\x82\xd0\xb0\xd1\x94"
+    "\xd0\xbc\xd0\xbd\xd0\xb8\xd1\x86\xd1\x8f"; // маленька таємниця
+const char* const kTopic1251 = "\xec\xe0\xeb\xe5\xed\xfc\xea\xe0 \xf2\xe0\xba\xec\xed\xe8\xf6\xff";
+
+} // namespace
+
+TEST(Translation, TemplateRoundTripAndTopicRenaming) {
+    TempDir dir;
+    std::string esp = dir.write("p.esp", plugin()), pot = dir.file("p.pot");
+    ASSERT_EQ(cli({"translate-template", esp, "-o", pot}).status, 0);
+    if (std::system(("msgfmt --check -o /dev/null " + pot + " 2>/dev/null").c_str()) != 0 &&
+        std::system("msgfmt --version >/dev/null 2>&1") == 0)
+        ADD_FAILURE() << "msgfmt --check refuses the template:\n" << readAll(pot);
+    EXPECT_NE(readAll(pot).find("msgctxt \"DIAL little secret\""), std::string::npos);
+    EXPECT_NE(readAll(pot).find("#. speaker: ks_fenrick"), std::string::npos);
+
+    // Translations equal to the texts: exactly a plain save.
+    std::string same = dir.write("same.po", translated(readAll(pot), [](const PoEntry& e) { return e.id; }));
+    ASSERT_EQ(cli({"translate", esp, same, "-o", dir.file("same.esp")}).status, 0);
+    ASSERT_EQ(cli({"save", esp, "-o", dir.file("plain.esp")}).status, 0);
+    EXPECT_TRUE(readAll(dir.file("same.esp")) == readAll(dir.file("plain.esp")));
+
+    // Ukrainian in Windows-1251: the topic renamed with its responses and every AddTopic.
+    std::string uk = dir.write(
+        "uk.po", translated(readAll(pot), [](const PoEntry& e) {
+            if (e.context.rfind("DIAL", 0) == 0) return std::string(kTopicUk);
+            if (e.context == "INFO 1")
+                return std::string("\xd0\x97\xd0\xb0\xd0\xbf\xd0\xb8\xd1\x82\xd0\xb0\xd0\xb9 %PCName"); // Запитай
+            return std::string();
+        }));
+    CliRun r = cli({"translate", esp, uk, "-o", dir.file("uk.esp"), "--code-page", "1251"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.err.find("script \"ks_secret\" to recompile in the editor"), std::string::npos) << r.err;
+    std::string out = readAll(dir.file("uk.esp"));
+    EXPECT_TRUE(framesThroughout(out));
+    RecordStore back = readStore(out);
+    ASSERT_EQ(back.DIAL.size(), 1u);
+    EXPECT_EQ(back.DIAL[0].NAME, kTopic1251);
+    ASSERT_EQ(back.INFO.size(), 2u);
+    EXPECT_EQ(back.INFO[0].Topic, kTopic1251);
+    EXPECT_EQ(back.INFO[0].NAME, "\xc7\xe0\xef\xe8\xf2\xe0\xe9 %PCName");
+    EXPECT_EQ(back.INFO[1].BNAM, "AddTopic \"" + std::string(kTopic1251) + "\"\r\nGoodbye");
+    EXPECT_EQ(std::string(back.SCPT[0].SCTX),
+              "Begin ks_secret\r\nAddTopic \"" + std::string(kTopic1251) + "\"\r\nEnd");
+
+    // A character the page lacks: refused, nothing written.
+    CliRun western = cli({"translate", esp, uk, "-o", dir.file("western.esp")});
+    EXPECT_EQ(western.status, 1);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("western.esp")));
+}
+
+TEST(Translation, OnePoCarriedIntoEveryPluginRepeatingTheText) {
+    TempDir dir;
+    std::string master = dir.write("m.esp", plugin());
+    std::string repeating = dir.write(
+        "r.esp", file(0, {topic("little secret"), response("2", "ks_fenrick", "It stays a secret.")}));
+    ASSERT_EQ(cli({"translate-template", master, "-o", dir.file("m.pot")}).status, 0);
+    std::string po =
+        dir.write("m.po", translated(readAll(dir.file("m.pot")), [](const PoEntry& e) {
+                      return e.context == "INFO 2" ? std::string("Es bleibt ein Geheimnis.") : std::string();
+                  }));
+    std::filesystem::create_directories(dir.file("out"));
+    CliRun r = cli({"translate", master, repeating, po, "--out-dir", dir.file("out")});
+    ASSERT_EQ(r.status, 0) << r.err;
+    for (const char* name : {"m.esp", "r.esp"}) {
+        RecordStore s = readStore(readAll(dir.file(std::string("out/") + name)));
+        ASSERT_FALSE(s.INFO.empty()) << name;
+        EXPECT_EQ(s.INFO.back().NAME, "Es bleibt ein Geheimnis.") << name;
+    }
+}
+
+TEST(Translation, TheCheckNamesWhatATranslatorShouldLookAt) {
+    TempDir dir;
+    std::string esp = dir.write("p.esp", plugin() + response("3", "ks_fenrick", "Old text."));
+    std::vector<PoEntry> po = {
+        {{}, "DIAL little secret", "little secret", "kleines Geheimnis", false},
+        {{}, "INFO 1", "Ask me about my little secret, %PCName.", "Frag mich, Fremder.", false},
+        {{}, "INFO 2", "It stays a secret.", "\xe4\xb8\x80", false}, // a character no Western page has
+        {{}, "INFO 3", "Older text.", "Alter Text.", false},
+    };
+    CliRun r = cli({"check-translation", esp, dir.write("p.po", poText(po, "p"))});
+    EXPECT_EQ(r.status, 1);
+    for (const char* line : {"placeholder: INFO 1", "hyperlink: INFO 1", "charset: INFO 2", "stale: INFO 3"})
+        EXPECT_NE(r.out.find(line), std::string::npos) << line << "\n" << r.out;
+}
+
+TEST(Translation, AMangledPoFileIsNamedWithItsLine) {
+    std::string error;
+    EXPECT_TRUE(readPo("msgid \"a\"\nmsgstr \"b\nmsgid", error).empty());
+    EXPECT_EQ(error.rfind("line 2:", 0), 0u) << error;
+    error.clear();
+    std::vector<PoEntry> kept = readPo("#, fuzzy\nmsgctxt \"INFO 1\"\nmsgid \"x\\\"y\"\n\"z\"\nmsgstr \"t\"\n"
+                                       "#~ msgid \"old\"\n#~ msgstr \"gone\"\n",
+                                       error);
+    ASSERT_EQ(kept.size(), 1u) << error;
+    EXPECT_TRUE(kept[0].fuzzy);
+    EXPECT_EQ(kept[0].id, "x\"yz");
+}
