@@ -63,13 +63,14 @@ TEST(Translation, TemplateRoundTripAndTopicRenaming) {
     EXPECT_TRUE(readAll(dir.file("same.esp")) == readAll(dir.file("plain.esp")));
 
     // Ukrainian in Windows-1251: the topic renamed with its responses and every AddTopic.
-    std::string uk = dir.write(
-        "uk.po", translated(readAll(pot), [](const PoEntry& e) {
-            if (e.context.rfind("DIAL", 0) == 0) return std::string(kTopicUk);
-            if (e.context == "INFO 1")
-                return std::string("\xd0\x97\xd0\xb0\xd0\xbf\xd0\xb8\xd1\x82\xd0\xb0\xd0\xb9 %PCName"); // Запитай
-            return std::string();
-        }));
+    std::string uk =
+        dir.write("uk.po", translated(readAll(pot), [](const PoEntry& e) {
+                      if (e.context.rfind("DIAL", 0) == 0) return std::string(kTopicUk);
+                      if (e.context == "INFO 1")
+                          return std::string(
+                              "\xd0\x97\xd0\xb0\xd0\xbf\xd0\xb8\xd1\x82\xd0\xb0\xd0\xb9 %PCName"); // Запитай
+                      return std::string();
+                  }));
     CliRun r = cli({"translate", esp, uk, "-o", dir.file("uk.esp"), "--code-page", "1251"});
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_NE(r.err.find("script \"ks_secret\" to recompile in the editor"), std::string::npos) << r.err;

@@ -48,7 +48,8 @@ TEST(Check, EachKindOnAMadePlugin) {
         r.out,
         p +
             "master: TES3 \"Master.esm\": not found (beside the file, in the --data folders, OpenMW's data "
-            "folders or the game's Data Files); its topics are not known to the topic check and references are "
+            "folders or the game's Data Files); its topics are not known to the topic check and references "
+            "are "
             "not checked\n" +
             p + "loop: INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n" +
             p +
