@@ -390,3 +390,27 @@ TEST(FrmInfo, UnderlinesUnknownWordsAndIgnoresThemOnRequest) {
     EXPECT_TRUE(offered.contains("tomorrow")) << offered.join(",").toStdString();
     EXPECT_TRUE(underlined().empty());
 }
+
+// File > Export Translation Template... and Apply Translation...: the PO round trip in the window,
+// with a summary of what was applied.
+TEST(MainWindow, TranslationTemplateAndApplyingAPo) {
+    Window w;
+    std::string path =
+        w.dir.write("t.esp", file(2, {Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes(),
+                                      response("1", "a", "Hello.")}));
+    w.dialogs.openPaths = {path};
+    w.key(Qt::Key_O, Qt::ControlModifier);
+    ASSERT_TRUE(w.action("mnuExportTranslation")->isEnabled());
+    w.dialogs.savePaths = {w.dir.file("t.pot")};
+    w.action("mnuExportTranslation")->trigger();
+    std::string pot = readAll(w.dir.file("t.pot"));
+    ASSERT_NE(pot.find("msgctxt \"INFO 1\""), std::string::npos) << pot;
+    std::string po = pot;
+    po.replace(po.find("msgstr \"\"", po.find("msgid \"Hello.\"")), 9, "msgstr \"Hallo.\"");
+    w.dialogs.openPaths = {w.dir.write("t.po", po)};
+    w.action("mnuApplyTranslation")->trigger();
+    EXPECT_EQ(w.session.store.INFO[0].NAME, "Hallo.");
+    ASSERT_FALSE(w.dialogs.messages.empty());
+    EXPECT_EQ(w.dialogs.messages.back().rfind("Applied 1 translation(s)", 0), 0u)
+        << w.dialogs.messages.back();
+}

@@ -7,6 +7,7 @@
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "qt_text/code_page.h"
+#include "translation/translation_commands.h"
 #include "ui/qt_dialogs.h"
 #include "workbench/check.h"
 #include "workbench/spelling.h"
@@ -76,6 +77,16 @@ const WindowCommand kCommands[] = {
      .caption = "&Close",
      .handler = &FrmMain::onClose,
      .key = 'C',
+     .needsFile = true},
+    {.entry = "mnuExportTranslation",
+     .menu = Menu::File,
+     .caption = "Export &Translation Template...",
+     .handler = &FrmMain::onTranslationTemplate,
+     .needsFile = true},
+    {.entry = "mnuApplyTranslation",
+     .menu = Menu::File,
+     .caption = "&Apply Translation...",
+     .handler = &FrmMain::onApplyTranslation,
      .needsFile = true},
     {.entry = "mnuExit",
      .menu = Menu::File,
@@ -498,6 +509,12 @@ void FrmMain::onList() {
                                                  : NpcListFormat::PlainText;
     // A checked "Export Clones" box leaves the clones out: the list's own rule, kept as it is.
     run([&] { ExportNpcList(session_, *dialogs_, format, chkClones->isChecked()); });
+}
+void FrmMain::onTranslationTemplate() {
+    run([&] { ExportTranslationTemplate(session_, *dialogs_); });
+}
+void FrmMain::onApplyTranslation() {
+    run([&] { ApplyTranslation(session_, *dialogs_); });
 }
 void FrmMain::onCheck() {
     run([&] { CheckDialogue(session_, *dialogs_, spelling()); });

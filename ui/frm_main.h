@@ -66,6 +66,8 @@ public:
     void onOptions();
     void onList();
     void onCheck();
+    void onTranslationTemplate();
+    void onApplyTranslation();
     void onQuotesXml();
     void onQuotesKst();
     void onAbout();

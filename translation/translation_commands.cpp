@@ -1,0 +1,84 @@
+#include "translation/translation_commands.h"
+
+#include "app/encoding.h"
+#include "records/source_bytes.h"
+#include "translation/translation.h"
+#include "writer/safe_file.h"
+
+namespace quillon {
+
+namespace {
+
+const char* const kPoFilter = "PO files (*.po, *.pot)|*.po;*.pot|All Files (*.*)| *.*";
+
+} // namespace
+
+Outcome ExportTranslationTemplate(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.filter = kPoFilter;
+    request.defaultExtension = ".pot";
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.saveFile(request);
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::vector<PoEntry> entries;
+    addTemplateEntries(session.store, bareName(session.recordsPath), entries);
+    std::string error = replaceFileSafely(path, poText(entries, bareName(session.recordsPath)));
+    if (!error.empty()) {
+        dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
+        return Outcome::failed("the template could not be written");
+    }
+    session.log.LogLine("-Wrote " + std::to_string(entries.size()) + " texts to translate to \"" +
+                        bareName(path) + "\".");
+    return Outcome::done();
+}
+
+Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.filter = kPoFilter;
+    request.flags = FileMustExist;
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.openFile(request);
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::string error;
+    std::string text = loadFile(path, error);
+    std::vector<PoEntry> po;
+    if (error.empty()) po = readPo(text, error);
+    if (!error.empty()) {
+        dialogs.tell("\"" + bareName(path) + "\" cannot be read as a PO file: " + error + ".",
+                     Icon::Critical);
+        return Outcome::failed("the PO file cannot be read");
+    }
+    TranslationReport report;
+    applyTranslation(session.store, po, report);
+    if (!report.refused.empty()) {
+        std::string list;
+        for (std::size_t i = 0; i < report.refused.size() && i < 10; ++i)
+            list += "\n" + report.refused[i];
+        dialogs.tell(
+            std::to_string(report.refused.size()) + " translation(s) hold a character " +
+                codePageName(activeCodePage()) +
+                " cannot store; nothing has been applied. Choose the code page of the translation under "
+                "Edit > Code Page." +
+                list,
+            Icon::Critical);
+        return Outcome::failed("a translation holds a character the code page lacks");
+    }
+    std::string summary = "Applied " + std::to_string(report.applied) + " translation(s); renamed " +
+                          std::to_string(report.topicsRenamed) + " topic(s) and " +
+                          std::to_string(report.callsRenamed) + " AddTopic call(s).";
+    if (!report.stale.empty())
+        summary +=
+            "\n" + std::to_string(report.stale.size()) +
+            " entr(ies) are stale: their text changed since the PO was made, and they were left alone.";
+    if (!report.recompile.empty()) {
+        summary += "\nScripts to recompile in the editor:";
+        for (const std::string& script : report.recompile)
+            summary += " " + script;
+    }
+    dialogs.tell(summary + "\nSave to keep the translation.", Icon::Information);
+    session.log.LogLine("-Applied " + std::to_string(report.applied) + " translations from \"" +
+                        bareName(path) + "\"; " + std::to_string(report.stale.size()) + " stale.");
+    return Outcome::done();
+}
+
+} // namespace quillon
