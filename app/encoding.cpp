@@ -212,24 +212,29 @@ bool looksLikeUtf8(std::string_view text) {
     return multibyte;
 }
 
+const char* backslashEscape(char c) {
+    switch (c) {
+    case '"': return "\\\"";
+    case '\\': return "\\\\";
+    case '\n': return "\\n";
+    case '\r': return "\\r";
+    case '\t': return "\\t";
+    default: return nullptr;
+    }
+}
+
 std::string jsonString(std::string_view bytes) {
     static const char* const kHex = "0123456789abcdef";
     std::string out = "\"";
     for (char c : toUtf8(bytes)) {
-        switch (c) {
-        case '"': out += "\\\""; break;
-        case '\\': out += "\\\\"; break;
-        case '\n': out += "\\n"; break;
-        case '\r': out += "\\r"; break;
-        case '\t': out += "\\t"; break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                out += "\\u00";
-                out += kHex[(c >> 4) & 0xF];
-                out += kHex[c & 0xF];
-            } else {
-                out += c;
-            }
+        if (const char* escaped = backslashEscape(c)) {
+            out += escaped;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            out += "\\u00";
+            out += kHex[(c >> 4) & 0xF];
+            out += kHex[c & 0xF];
+        } else {
+            out += c;
         }
     }
     return out + "\"";

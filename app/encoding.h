@@ -30,6 +30,9 @@ bool looksLikeUtf8(std::string_view text);
 // A character as UTF-8.
 std::string utf8Of(char32_t c);
 
+// The escape of a quote, a backslash, a line feed, a carriage return or a tab as C, JSON and PO
+// files write it; null for any other character.
+const char* backslashEscape(char c);
 // A JSON string, quotes included, of the file's bytes.
 std::string jsonString(std::string_view bytes);
 // A CSV field (RFC 4180) of UTF-8 text: quoted when it holds a comma, a quote or a line break.

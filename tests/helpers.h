@@ -141,6 +141,22 @@ inline std::string oneTopic(std::initializer_list<std::string> responses) {
     return bytes;
 }
 
+// An NPC record: ID, name, faction and its rank (in the 12-byte statistics, or in the full 52).
+inline std::string npcRecord(const std::string& id, const std::string& name, const std::string& faction = "",
+                             std::uint8_t rank = 0, bool female = false, bool shortForm = true) {
+    std::string stats = shortForm ? std::string(12, '\0') : std::string(52, '\0');
+    stats[shortForm ? 4 : 46] = char(rank);
+    return Rec("NPC_")
+        .z("NAME", id)
+        .z("FNAM", name)
+        .z("RNAM", "Dark Elf")
+        .z("CNAM", "Smith")
+        .z("ANAM", faction)
+        .sub("NPDT", stats)
+        .i32("FLAG", female ? 1 : 0)
+        .bytes();
+}
+
 // The newest line of the session's log.
 inline std::string lastLog(const Session& s) {
     std::string c = s.log.caption();

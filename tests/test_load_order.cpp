@@ -27,17 +27,7 @@ std::string header(std::vector<std::pair<std::string, std::int64_t>> masters) {
 
 std::string npc(const std::string& id, const std::string& name, const std::string& faction,
                 std::uint8_t rank) {
-    std::string stats(12, '\0');
-    stats[4] = char(rank);
-    return Rec("NPC_")
-        .z("NAME", id)
-        .z("FNAM", name)
-        .z("RNAM", "Dark Elf")
-        .z("CNAM", "Smith")
-        .z("ANAM", faction)
-        .sub("NPDT", stats)
-        .i32("FLAG", 0)
-        .bytes();
+    return npcRecord(id, name, faction, rank);
 }
 
 // A reference: its number (the master's place from 1 in the high byte), the ID placed, and DELE.

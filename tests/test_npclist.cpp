@@ -11,17 +11,7 @@ namespace {
 
 std::string npc(const std::string& id, const std::string& name, const std::string& faction, bool female,
                 bool shortForm, std::uint8_t rank) {
-    std::string stats = shortForm ? std::string(12, '\0') : std::string(52, '\0');
-    stats[shortForm ? 4 : 46] = char(rank);
-    return Rec("NPC_")
-        .z("NAME", id)
-        .z("FNAM", name)
-        .z("RNAM", "Dark Elf")
-        .z("CNAM", "Smith")
-        .z("ANAM", faction)
-        .sub("NPDT", stats)
-        .i32("FLAG", female ? 1 : 0)
-        .bytes();
+    return npcRecord(id, name, faction, rank, female, shortForm);
 }
 
 std::string refs(std::initializer_list<const char*> ids) {

@@ -1,5 +1,7 @@
 #include "translation/po_file.h"
 
+#include "app/encoding.h"
+
 #include <sstream>
 
 namespace quillon {
@@ -9,14 +11,10 @@ namespace {
 std::string quoted(std::string_view text) {
     std::string out = "\"";
     for (char c : text) {
-        switch (c) {
-        case '"': out += "\\\""; break;
-        case '\\': out += "\\\\"; break;
-        case '\n': out += "\\n"; break;
-        case '\r': out += "\\r"; break;
-        case '\t': out += "\\t"; break;
-        default: out += c;
-        }
+        if (const char* escaped = backslashEscape(c))
+            out += escaped;
+        else
+            out += c;
     }
     return out + "\"";
 }

@@ -199,14 +199,7 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
         if (found == byContext.end()) continue;
         const PoEntry& e = *found->second;
         auto finding = [&](const char* kind, std::string detail) {
-            Finding f;
-            f.kind = kind;
-            f.id = r.INAM;
-            f.topic = r.Topic;
-            f.actor = r.ONAM;
-            f.info = i;
-            f.detail = std::move(detail);
-            out.push_back(std::move(f));
+            out.push_back(aboutResponse(store.INFO, i, kind, std::move(detail)));
         };
         if (e.id != toUtf8(r.NAME)) finding("stale", "the text changed since the PO was made");
         if (e.translation.empty() || e.fuzzy) {

@@ -27,18 +27,6 @@ bool wants(const CheckOptions& options, const char* kind) {
     return options.only.empty() || options.only.count(kind);
 }
 
-Finding about(const std::vector<InfoRecord>& infos, std::size_t i, const char* kind, std::string detail) {
-    const InfoRecord& r = infos[i];
-    Finding f;
-    f.kind = kind;
-    f.id = r.INAM;
-    f.topic = r.Topic;
-    f.actor = r.ONAM;
-    f.detail = std::move(detail);
-    f.info = i;
-    return f;
-}
-
 // Prompts that ask nothing: the check never writes, and a Save's question is not its business.
 class Silent : public Prompts {
 public:
@@ -73,18 +61,18 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
                 if (wants(options, "loop") && isChoiceCondition(c) && r.BNAM.size() > 5 &&
                     offersChoice(lines[n], c.INTV))
                     out.push_back(
-                        about(infos, i, "loop",
-                              "choice " + std::to_string(c.INTV) + " offered again: " + written[n]));
+                        aboutResponse(infos, i, "loop",
+                                      "choice " + std::to_string(c.INTV) + " offered again: " + written[n]));
             for (std::int32_t choice : choicesOn(lines[n]))
                 if (!shownOn[r.Topic].count(choice))
-                    out.push_back(
-                        about(infos, i, "choice",
-                              "choice " + std::to_string(choice) +
-                                  " is offered but no response of the topic is shown on it: " + written[n]));
+                    out.push_back(aboutResponse(
+                        infos, i, "choice",
+                        "choice " + std::to_string(choice) +
+                            " is offered but no response of the topic is shown on it: " + written[n]));
             for (const std::string& topic : topicsAddedOn(lines[n]))
                 if (!topics.count(foldedKey(topic)))
-                    out.push_back(
-                        about(infos, i, "topic", "AddTopic \"" + topic + "\" names no topic: " + written[n]));
+                    out.push_back(aboutResponse(infos, i, "topic",
+                                                "AddTopic \"" + topic + "\" names no topic: " + written[n]));
         }
     }
 }
@@ -95,15 +83,15 @@ void checkTexts(const std::vector<InfoRecord>& infos, const CheckOptions& option
     for (std::size_t i = 0; i < infos.size(); ++i) {
         const InfoRecord& r = infos[i];
         if (wants(options, "long") && r.NAME.size() > kMaxResponse)
-            out.push_back(
-                about(infos, i, "long",
-                      std::to_string(r.NAME.size()) + " characters, over " + std::to_string(kMaxResponse)));
+            out.push_back(aboutResponse(infos, i, "long",
+                                        std::to_string(r.NAME.size()) + " characters, over " +
+                                            std::to_string(kMaxResponse)));
         if (!wants(options, "style")) continue;
         std::string cleaned = cleanResponse(r.NAME, options.style, quoteParity);
         if (cleaned == r.NAME) continue;
-        Finding f = about(infos, i, "style",
-                          equalsIgnoreCase(cleaned, r.NAME) ? "the clean-up changes letter case only"
-                                                            : "the clean-up changes the text");
+        Finding f = aboutResponse(infos, i, "style",
+                                  equalsIgnoreCase(cleaned, r.NAME) ? "the clean-up changes letter case only"
+                                                                    : "the clean-up changes the text");
         f.before = r.NAME;
         f.after = std::move(cleaned);
         out.push_back(std::move(f));

@@ -132,14 +132,8 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
         const InfoRecord& r = store.INFO[i];
         if (r.BNAM.empty()) continue;
         for (const ScriptProblem& p :
-             checkScript(r.BNAM, ScriptSource::Result, speakers.locals(r.ONAM), names)) {
-            Finding f;
-            f.id = r.INAM;
-            f.topic = r.Topic;
-            f.actor = r.ONAM;
-            f.info = i;
-            add(std::move(f), p);
-        }
+             checkScript(r.BNAM, ScriptSource::Result, speakers.locals(r.ONAM), names))
+            add(aboutResponse(store.INFO, i, "script"), p);
     }
     for (const ScptRecord& s : store.SCPT) {
         if (s.SCTX.empty()) continue;

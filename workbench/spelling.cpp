@@ -119,18 +119,9 @@ void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<
                 report(std::move(f), w);
             }
     }
-    for (std::size_t i = 0; i < store.INFO.size(); ++i) {
-        const InfoRecord& r = store.INFO[i];
-        for (const WordAt& w : wordsToCheck(r.NAME))
-            if (!spelledRight(checker, w.word)) {
-                Finding f;
-                f.id = r.INAM;
-                f.topic = r.Topic;
-                f.actor = r.ONAM;
-                f.info = i;
-                report(std::move(f), w);
-            }
-    }
+    for (std::size_t i = 0; i < store.INFO.size(); ++i)
+        for (const WordAt& w : wordsToCheck(store.INFO[i].NAME))
+            if (!spelledRight(checker, w.word)) report(aboutResponse(store.INFO, i, "spelling"), w);
 }
 
 } // namespace quillon
