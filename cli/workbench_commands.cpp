@@ -139,9 +139,13 @@ int checkCommand(Context& c) {
         CheckOptions forFile = options;
         forFile.fileType = fileTypeFor(path);
         forFile.masters = &sessionMasters(c.session);
+        std::vector<std::string> notes;
+        forFile.notes = &notes;
         auto count = std::int32_t(c.session.counts.number(CountLabel::Total));
         for (const Finding& f : checkDialogue(c.session.store, count, forFile))
             items.push_back(json ? findingJson(path, f) : findingLine(path, f));
+        for (const std::string& note : notes)
+            c.err << "quillon: " << forTerminal(path + ": " + note) << "\n";
     }
     if (json)
         printJson(c.out, items);

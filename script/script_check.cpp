@@ -172,7 +172,9 @@ private:
     void call(const ScriptStatement& s, const std::string& head, const std::vector<ScriptToken>& args) {
         const ScriptFunction* f = findFunction(head);
         if (!f) {
-            if (!isExtenderFunction(s.head.text))
+            if (isExtenderFunction(s.head.text))
+                report(s.line, std::string(s.head.text), "extender");
+            else
                 report(s.line, "\"" + std::string(s.head.text) +
                                    "\" is neither a function nor a keyword of the game");
             return;

@@ -21,7 +21,9 @@ struct ScriptNames {
 
 struct ScriptProblem {
     std::size_t line = 0;
-    const char* kind = "script"; // script, or reference for an ID the load order lacks
+    // script; reference for an ID the load order lacks; extender for a function of a script
+    // extender, which is not checked (reason holds its name)
+    const char* kind = "script";
     std::string reason;
 };
 

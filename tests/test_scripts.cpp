@@ -56,11 +56,14 @@ TEST(Scripts, ValidLinesOfEveryFormGiveNothing) {
         "Player->AddItem gold_001 100\r\n\"fargoth\"->RemoveItem \"iron dagger\" 1",
         "PCJoinFaction \"Fighters Guild\"\r\nPCRaiseRank \"Fighters Guild\"\r\nset QuestDone to GameHour + 1",
         "StartScript ks_timer\r\nPositionCell 10 20 30 0 \"Balmora, Guild of Fighters\"",
-        "MessageBox \"Done, %.0f left\" talked\r\nxSetRef player ; an MWSE function",
+        "MessageBox \"Done, %.0f left\" talked",
         "while ( talked < 3 )\r\n\tset talked to talked + 1\r\nendwhile",
     };
     for (const char* script : valid)
         EXPECT_EQ(problems(script), std::vector<std::string>{}) << script;
+    // A script extender's function is no fault of the script, only named as passed over.
+    EXPECT_EQ(problems("xSetRef player ; an MWSE function\r\nMGEOutputDebugString \"x\""),
+              (std::vector<std::string>{"1 extender: xSetRef", "2 extender: MGEOutputDebugString"}));
     EXPECT_EQ(problems("Begin ks_timer\r\nshort counter\r\nset counter to counter + 1\r\nEnd ks_timer",
                        ScriptSource::Record, {}),
               std::vector<std::string>{});
@@ -119,10 +122,10 @@ TEST(Scripts, TheCheckNamesTheResponseAndTheLineAndUsesTheSpeakersScript) {
                        Rec("NPC_").z("NAME", "ann").z("FNAM", "Ann").z("SCRI", "npc_script").bytes()}));
     std::string header =
         Rec("TES3").sub("HEDR", hedr(0)).z("MAST", "Base.esm").sub("DATA", std::string(8, '\0')).bytes();
-    std::string plugin =
-        dir.write("p.esp", header + Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes() +
-                               response("1", "ann", "Hello.", "set met to 1\r\nGoodbye\r\nFlyAway") +
-                               response("2", "ann", "Again.", "set unmet to 1"));
+    std::string plugin = dir.write(
+        "p.esp", header + Rec("DIAL").z("NAME", "T").sub("DATA", std::string(1, '\0')).bytes() +
+                     response("1", "ann", "Hello.", "set met to 1\r\nGoodbye\r\nFlyAway\r\nxGetRef") +
+                     response("2", "ann", "Again.", "set unmet to 1"));
     CliRun r = cli({"check", plugin, "--only", "script,reference", "--json", "--data", dir.file("data")});
     EXPECT_EQ(r.status, 1) << r.err;
     EXPECT_NE(
@@ -135,4 +138,5 @@ TEST(Scripts, TheCheckNamesTheResponseAndTheLineAndUsesTheSpeakersScript) {
     EXPECT_NE(r.out.find("\"id\": \"2\""), std::string::npos)
         << r.out; // unmet is no variable of ann's script
     EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '{'), 2) << r.out;
+    EXPECT_NE(r.err.find("uses 1 function(s) of script extenders"), std::string::npos) << r.err;
 }

@@ -146,7 +146,8 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     std::vector<Finding> all;
     checkRecords(store, recordCount, options, all);
     checkResultScripts(store, options, all);
-    checkScripts(store, options.masters, options.only, all);
+    std::vector<std::string> notes;
+    checkScripts(store, options.masters, options.only, all, options.notes ? *options.notes : notes);
     checkTexts(store.INFO, options, all);
     if (options.spelling && wants(options, "spelling")) {
         acceptNames(*options.spelling, store);

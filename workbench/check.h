@@ -27,6 +27,8 @@ struct CheckOptions {
     const LoadOrder* masters = nullptr;
     // The spelling check's dictionary, when it was asked for: a plain check needs none.
     SpellChecker* spelling = nullptr;
+    // What the check says beside its findings (functions of script extenders passed over).
+    std::vector<std::string>* notes = nullptr;
 };
 
 // The findings of a store read whole, kind by kind.

@@ -108,7 +108,7 @@ private:
 } // namespace
 
 void checkScripts(const RecordStore& store, const LoadOrder* masters, const std::set<std::string>& kinds,
-                  std::vector<Finding>& out) {
+                  std::vector<Finding>& out, std::vector<std::string>& notes) {
     auto wanted = [&](const char* kind) { return kinds.empty() || kinds.count(kind); };
     if (!wanted("script") && !wanted("reference")) return;
     LoadOrderIds ids;
@@ -120,7 +120,9 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
     // load order whose every master was found is known whole.
     bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
     ScriptNames names = ids.names(hasMasters && masters && masters->allFound());
+    std::set<std::string> extenders;
     auto add = [&](Finding f, const ScriptProblem& p) {
+        if (std::string_view(p.kind) == "extender") extenders.insert(foldedKey(p.reason));
         if (!wanted(p.kind)) return;
         f.kind = p.kind;
         f.line = p.line;
@@ -144,6 +146,11 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
             add(std::move(f), p);
         }
     }
+    if (!extenders.empty())
+        notes.push_back(
+            "uses " + std::to_string(extenders.size()) +
+            " function(s) of script extenders (MWSE, MGE), which the game's own compiler lacks; they "
+            "are not checked");
 }
 
 } // namespace quillon

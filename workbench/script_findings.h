@@ -12,7 +12,8 @@ namespace quillon {
 
 // Adds the findings of the kinds wanted (script, reference) to out. masters is the load order
 // looked up, or null when none was; references are checked only when every master was found.
+// Functions of script extenders are not findings: notes gets one line saying they were passed over.
 void checkScripts(const RecordStore& store, const LoadOrder* masters, const std::set<std::string>& kinds,
-                  std::vector<Finding>& out);
+                  std::vector<Finding>& out, std::vector<std::string>& notes);
 
 } // namespace quillon
