@@ -63,8 +63,9 @@ TEST(Translation, TemplateRoundTripAndTopicRenaming) {
     EXPECT_TRUE(readAll(dir.file("same.esp")) == readAll(dir.file("plain.esp")));
 
     // gettext's own tools take a PO made from it and merge it with the template.
-    if (std::system("msgmerge --version >/dev/null 2>&1") == 0)
+    if (std::system("msgmerge --version >/dev/null 2>&1") == 0) {
         EXPECT_EQ(std::system(("msgmerge --quiet -o /dev/null " + same + " " + pot).c_str()), 0);
+    }
 
     // Ukrainian in Windows-1251: the topic renamed with its responses and every AddTopic.
     std::string uk =
