@@ -72,7 +72,7 @@ std::set<std::string> variablesOf(const ScptRecord& script) {
 // The local variables of the script the speaker of a response runs, in the file or its masters.
 class SpeakerScripts {
 public:
-    SpeakerScripts(const RecordStore& own, const LoadOrder* masters) : own_(own), masters_(masters) {
+    SpeakerScripts(const RecordStore& own, const LoadOrder* masters) : masters_(masters) {
         for (const NpcRecord& n : own.NPC_)
             scriptOf_.emplace(foldedKey(n.NAME), n.SCRI);
         for (const CreaRecord& c : own.CREA)
@@ -99,7 +99,6 @@ public:
     }
 
 private:
-    const RecordStore& own_;
     const LoadOrder* masters_;
     std::unordered_map<std::string, std::string> scriptOf_;
     std::unordered_map<std::string, const ScptRecord*> scripts_;

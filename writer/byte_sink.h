@@ -94,7 +94,7 @@ public:
     template <class T, class Layout>
     void writeFields(Tag t, std::int32_t size, const T& block, Layout layout) {
         sub(t, size);
-        layout(block, [this](const auto&... f) { fields(f...); });
+        layout(block, [&](const auto&... f) { this->fields(f...); });
     }
     // Optional sub-records are written when their size word is non-zero.
     void writeZOpt(Tag t, std::int32_t size, std::string_view s) {
