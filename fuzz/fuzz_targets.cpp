@@ -5,8 +5,11 @@
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
+#include "script/script_check.h"
 #include "tools/fixed_answers.h"
 #include "tools/record_builder.h"
+#include "translation/po_file.h"
+#include "workbench/spelling.h"
 #include "writer/es_write.h"
 
 #include <cstdlib>
@@ -104,6 +107,22 @@ void cleanup(const std::uint8_t* data, std::size_t size) {
     for (std::size_t end; (end = text.find('\0', start)) != std::string::npos; start = end + 1)
         cleanResponse(text.substr(start, end - start), s, parity);
     cleanResponse(text.substr(start), s, parity);
+}
+
+void texts(const std::uint8_t* data, std::size_t size) {
+    std::string text = bytesOf(data, size), error;
+    for (const PoEntry& e : readPo(text, error))
+        if (e.context.size() + e.id.size() + e.translation.size() > 2 * size + 16) std::abort();
+    ScriptNames names;
+    names.complete = true;
+    auto none = [](std::string_view id) { return id.size() % 2 == 0; };
+    names.global = names.object = names.script = names.faction = names.cell = names.journal = none;
+    names.journalIndex = [](std::string_view, long index) { return index % 10 == 0; };
+    for (ScriptSource source : {ScriptSource::Result, ScriptSource::Record})
+        for (const ScriptProblem& p : checkScript(text, source, {}, names))
+            if (p.line == 0) std::abort();
+    for (const WordAt& w : wordsToCheck(text))
+        if (w.at + w.word.size() > text.size()) std::abort();
 }
 
 void npcList(const std::uint8_t* data, std::size_t size) {

@@ -15,6 +15,9 @@ void read(const std::uint8_t* data, std::size_t size);
 void importText(const std::uint8_t* data, std::size_t size);
 // Cleans the bytes as responses with options taken from the first two bytes.
 void cleanup(const std::uint8_t* data, std::size_t size);
+// Reads the bytes as a PO file, as a script checked against a load order known whole, and as a
+// response's words for the spelling check.
+void texts(const std::uint8_t* data, std::size_t size);
 // Reads the bytes as a mapped data file and lists its NPCs for a cell text taken from the first
 // byte.
 void npcList(const std::uint8_t* data, std::size_t size);

@@ -11,8 +11,9 @@ TEST(FuzzRegressions, KeptInputsRunCleanly) {
         void (*run)(const std::uint8_t*, std::size_t);
     };
     int replayed = 0;
-    for (auto [folder, run] : {Target{"read", fuzz::read}, Target{"import", fuzz::importText},
-                               Target{"cleanup", fuzz::cleanup}, Target{"npclist", fuzz::npcList}}) {
+    for (auto [folder, run] :
+         {Target{"read", fuzz::read}, Target{"import", fuzz::importText}, Target{"cleanup", fuzz::cleanup},
+          Target{"npclist", fuzz::npcList}, Target{"texts", fuzz::texts}}) {
         for (const char* kind : {"seeds", "regressions"}) {
             std::filesystem::path dir = std::filesystem::path(QUILLON_FUZZ_DIR) / kind / folder;
             if (!std::filesystem::is_directory(dir)) continue;
