@@ -5,7 +5,6 @@
 #include "app/text.h"
 #include "script/script_reader.h"
 
-#include <algorithm>
 #include <cctype>
 #include <set>
 #include <unordered_map>
@@ -19,12 +18,6 @@ std::string infoContext(const InfoRecord& r) {
 }
 std::string topicContext(const std::string& name) {
     return "DIAL " + toUtf8(name);
-}
-
-bool isJournal(const RecordStore& store, const InfoRecord& r) {
-    return r.DialogueType == 4 || std::any_of(store.DIAL.begin(), store.DIAL.end(), [&](const DialRecord& d) {
-               return d.DATA == 4 && d.NAME == r.Topic;
-           });
 }
 
 // The text as the code page's bytes; false when a character has no byte there.
@@ -51,6 +44,23 @@ std::multiset<std::string> placeholders(std::string_view text) {
         if (end > i + 1) out.insert(foldedKey(text.substr(i, end - i)));
     }
     return out;
+}
+
+// The words of a text, folded: runs of letters and digits (any byte beyond ASCII counts as a letter).
+std::vector<std::string> foldedWords(std::string_view text) {
+    std::vector<std::string> words;
+    for (std::size_t i = 0; i < text.size();) {
+        auto isWordByte = [](unsigned char c) { return std::isalnum(c) || c >= 0x80; };
+        if (!isWordByte(static_cast<unsigned char>(text[i]))) {
+            ++i;
+            continue;
+        }
+        std::size_t start = i;
+        while (i < text.size() && isWordByte(static_cast<unsigned char>(text[i])))
+            ++i;
+        words.push_back(foldedKey(text.substr(start, i - start)));
+    }
+    return words;
 }
 
 // The translated names of topics, by the folded name in the code page.
@@ -91,6 +101,9 @@ void addTemplateEntries(const RecordStore& store, const std::string& file, std::
     std::unordered_map<std::string, const NpcRecord*> npcs;
     for (const NpcRecord& n : store.NPC_)
         npcs.emplace(foldedKey(n.NAME), &n);
+    std::set<std::string> journals; // as the writer matches responses to their topic
+    for (const DialRecord& d : store.DIAL)
+        if (d.DATA == 4) journals.insert(d.NAME);
     for (const DialRecord& d : store.DIAL)
         if (d.DATA == 0 && !d.NAME.empty())
             add({{"topic name, " + file}, topicContext(d.NAME), toUtf8(d.NAME), {}, false});
@@ -107,7 +120,8 @@ void addTemplateEntries(const RecordStore& store, const std::string& file, std::
                                       ? " (" + toUtf8(npc->second->FNAM) + ")"
                                       : ""));
         }
-        if (isJournal(store, r)) e.comments.push_back(r.QSTN ? "journal: the quest's name" : "journal entry");
+        if (r.DialogueType == 4 || journals.count(r.Topic))
+            e.comments.push_back(r.QSTN ? "journal: the quest's name" : "journal entry");
         e.comments.push_back("file: " + file);
         add(std::move(e));
     }
@@ -193,6 +207,13 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
             translated = d.NAME;
         topics.emplace_back(d.NAME, translated);
     }
+    // The topics by the first word of their name: a text is compared only with the topics whose
+    // first word it holds, not with every topic of the file.
+    std::unordered_map<std::string, std::vector<std::size_t>> byFirstWord;
+    for (std::size_t t = 0; t < topics.size(); ++t) {
+        std::vector<std::string> words = foldedWords(topics[t].first);
+        if (!words.empty()) byFirstWord[words.front()].push_back(t);
+    }
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         auto found = byContext.find(infoContext(r));
@@ -217,10 +238,16 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
         if (bytes.size() > kMaxResponse)
             finding("long",
                     std::to_string(bytes.size()) + " characters, over " + std::to_string(kMaxResponse));
-        for (const auto& [name, translated] : topics)
+        std::set<std::size_t> candidates;
+        for (const std::string& word : foldedWords(r.NAME))
+            if (auto found = byFirstWord.find(word); found != byFirstWord.end())
+                candidates.insert(found->second.begin(), found->second.end());
+        for (std::size_t t : candidates) {
+            const auto& [name, translated] = topics[t];
             if (containsIgnoreCase(r.NAME, name) && !containsIgnoreCase(bytes, translated))
                 finding("hyperlink", "the topic \"" + name + "\" is named in the text but \"" + translated +
                                          "\" is not in the translation: the game shows no link");
+        }
     }
     return out;
 }
