@@ -4,8 +4,11 @@
 #include "records/es_read.h"
 #include "records/read_common.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <set>
 
@@ -43,12 +46,18 @@ private:
     std::map<std::string, std::map<std::string, std::string>> listings_;
 };
 
-// The masters a data file's header names, read from its first record alone.
+// The masters a data file's header names, read from its first record alone: a header is a few
+// hundred bytes, and at most a megabyte of the file is read whatever its size word says.
 std::vector<MasterEntry> headerMasters(const std::string& path) {
-    std::string error;
-    std::shared_ptr<const SourceBytes> bytes = loadSource(path, error);
-    if (!bytes) return {};
-    ByteCursor in(reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size());
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(16, '\0');
+    if (!file.read(bytes.data(), 16)) return {};
+    std::int32_t size;
+    std::memcpy(&size, bytes.data() + 4, 4);
+    bytes.resize(16 + std::size_t(std::clamp<std::int32_t>(size, 0, 1 << 20)));
+    file.read(bytes.data() + 16, std::streamsize(bytes.size() - 16));
+    bytes.resize(16 + std::size_t(file.gcount()));
+    ByteCursor in(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     if (!in.nextIs(tag("TES3"))) return {};
     Tes3Record header;
     RecordStore scratch;
