@@ -167,17 +167,23 @@ std::string utf8Of(char32_t c) {
 }
 
 std::string toUtf8(std::string_view bytes) {
-    const HighHalf& high = highHalf(active);
     std::string out;
     out.reserve(bytes.size());
-    for (char ch : bytes) {
-        auto b = static_cast<unsigned char>(ch);
-        if (b < 0x80)
-            out += ch;
-        else
-            out += utf8Of(unicodeOf(b, high));
-    }
+    appendUtf8(out, bytes);
     return out;
+}
+
+void appendUtf8(std::string& out, std::string_view bytes) {
+    const HighHalf& high = highHalf(active);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        std::size_t ascii = i;
+        while (ascii < bytes.size() && static_cast<unsigned char>(bytes[ascii]) < 0x80)
+            ++ascii;
+        out.append(bytes.data() + i, ascii - i);
+        if (ascii == bytes.size()) break;
+        out += utf8Of(unicodeOf(static_cast<unsigned char>(bytes[ascii]), high));
+        i = ascii;
+    }
 }
 
 bool fromUtf8(std::string_view utf8, std::string& out, char32_t& missing) {

@@ -21,6 +21,8 @@ std::optional<CodePage> codePageNamed(std::string_view name);
 // The file's bytes as UTF-8; a byte the code page leaves undefined stands for the control
 // character of the same value.
 std::string toUtf8(std::string_view bytes);
+// The same, added to the end of out.
+void appendUtf8(std::string& out, std::string_view bytes);
 // UTF-8 as the code page's bytes; false, with the first character it cannot hold in missing, when
 // one has no byte there. Invalid UTF-8 bytes are kept as they are.
 bool fromUtf8(std::string_view utf8, std::string& out, char32_t& missing);

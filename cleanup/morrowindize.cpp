@@ -1,12 +1,10 @@
 #include "cleanup/morrowindize.h"
 
+#include "app/parallel.h"
 #include "app/text.h"
 #include "cleanup/text_rules.h"
 
 #include <algorithm>
-#include <exception>
-#include <mutex>
-#include <thread>
 #include <vector>
 
 namespace quillon {
@@ -16,32 +14,6 @@ namespace {
 const char* const kTooLongQuestion = "One of the responses has become more than 511 characters after clean "
                                      "up. Do you want to edit it by hand? "
                                      "Otherwise original text will be used.\r\n\r\nCancel is \"No to all\"";
-
-// Runs work(i) for every i below count, shared among the machine's cores when there is enough of
-// it; the first exception of any worker is thrown again here.
-template <class Work> void forEachIndex(std::size_t count, Work&& work) {
-    constexpr std::size_t kWorthAThread = 2000;
-    std::size_t threads = std::min<std::size_t>(
-        {std::max(1u, std::thread::hardware_concurrency()), 8, count / kWorthAThread + 1});
-    std::exception_ptr failure;
-    std::mutex failureGuard;
-    auto run = [&](std::size_t from, std::size_t to) {
-        try {
-            for (std::size_t i = from; i < to; ++i)
-                work(i);
-        } catch (...) {
-            std::lock_guard<std::mutex> lock(failureGuard);
-            if (!failure) failure = std::current_exception();
-        }
-    };
-    std::vector<std::thread> helpers;
-    for (std::size_t t = 1; t < threads; ++t)
-        helpers.emplace_back(run, count * t / threads, count * (t + 1) / threads);
-    run(0, count / threads);
-    for (std::thread& helper : helpers)
-        helper.join();
-    if (failure) std::rethrow_exception(failure);
-}
 
 // The cleaned text of every response, as cleanResponse gives it one after the other: the stages
 // that depend on the text alone run side by side, the quote spacing in store order between them.

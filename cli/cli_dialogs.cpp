@@ -11,17 +11,20 @@ std::string forTerminal(const std::string& text) {
     static const char* const kHex = "0123456789abcdef";
     std::string out;
     out.reserve(text.size());
+    auto plain = [](unsigned char c) { return (c >= 0x20 && c != 0x7F) || c == '\n' || c == '\t'; };
     for (std::size_t i = 0; i < text.size(); ++i) {
+        std::size_t run = i;
+        while (run < text.size() && plain(static_cast<unsigned char>(text[run])))
+            ++run;
+        out.append(text, i, run - i);
+        if (run == text.size()) break;
+        i = run;
         auto c = static_cast<unsigned char>(text[i]);
         if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
         // Control bytes from a data file are shown, never obeyed: an ESC could rewrite the screen.
-        if ((c < 0x20 && c != '\n' && c != '\t') || c == 0x7F) {
-            out += "\\x";
-            out += kHex[c >> 4];
-            out += kHex[c & 0xF];
-            continue;
-        }
-        out += char(c);
+        out += "\\x";
+        out += kHex[c >> 4];
+        out += kHex[c & 0xF];
     }
     return out;
 }

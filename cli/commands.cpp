@@ -439,7 +439,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
                 << kUsage;
             return 2;
         }
-        std::unique_ptr<Context> held(new Context{parsed, out, err, {}, {}});
+        std::unique_ptr<Context> held(new Context{parsed, out, err, {}, {}, {}, {}});
         LeftToExit left{held, teardown == Teardown::LeaveToExit};
         Context& c = *held;
         if (!setUnknownMode(c.dialogs, parsed.value("--unknown"))) {

@@ -1,11 +1,14 @@
 #pragma once
 // What every command of the command line works with, and the helpers they share.
 #include "app/cleanup_settings.h"
+#include "app/finding.h"
 #include "app/outcome.h"
 #include "app/session.h"
 #include "cli/arguments.h"
 #include "cli/cli_dialogs.h"
+#include "workbench/spell_checker.h"
 
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -18,6 +21,10 @@ struct Context {
     std::ostream& err;
     Session session;
     CliDialogs dialogs;
+    // What a check holds besides the records, left to the process's exit with them: a dictionary
+    // and a large master's findings take milliseconds to take apart.
+    std::unique_ptr<SpellChecker> spelling;
+    std::vector<std::vector<Finding>> findings;
 };
 
 // A failure exits with 1; a command that declined did what the answers given asked for.

@@ -1,6 +1,7 @@
 // The commands a writing team's nightly build runs: check, diff-dialogue, and the loop list.
 #include "app/encoding.h"
 #include "app/file_commands.h"
+#include "app/parallel.h"
 #include "cli/context.h"
 #include "dialogue/dialogue_commands.h"
 #include "records/source_bytes.h"
@@ -10,6 +11,7 @@
 #include "writer/es_write.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <sstream>
@@ -56,13 +58,30 @@ bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostr
     return true;
 }
 
+// Written piece by piece into one text: a check of a large master may say this 100,000 times.
 std::string findingLine(const std::string& file, const Finding& f) {
-    std::string subject = f.record == "INFO" && f.kind != "master" ? responseName(f.id, f.topic, f.actor)
-                          : f.id.empty()                           ? f.record
-                                                                   : f.record + " \"" + f.id + "\"";
-    std::string data = subject + ": " + f.detail;
-    if (f.kind == "style") data += ": " + oneLine(f.before) + " -> " + oneLine(f.after);
-    return forTerminal(file + ": " + f.kind + ": " + toUtf8(data));
+    std::string data;
+    data.reserve(f.id.size() + f.topic.size() + f.actor.size() + f.detail.size() + 32);
+    if (f.record == "INFO" && f.kind != "master")
+        data.append("INFO ")
+            .append(f.id)
+            .append(" (topic \"")
+            .append(f.topic)
+            .append("\", actor \"")
+            .append(f.actor)
+            .append("\")");
+    else if (f.id.empty())
+        data.append(f.record);
+    else
+        data.append(f.record).append(" \"").append(f.id).append("\"");
+    data.append(": ").append(f.detail);
+    if (f.kind == "style")
+        data.append(": ").append(oneLine(f.before)).append(" -> ").append(oneLine(f.after));
+    std::string line;
+    line.reserve(file.size() + f.kind.size() + data.size() + 8);
+    line.append(file).append(": ").append(f.kind).append(": ");
+    appendUtf8(line, data);
+    return forTerminal(line);
 }
 
 std::string findingJson(const std::string& file, const Finding& f) {
@@ -80,6 +99,23 @@ std::string findingJson(const std::string& file, const Finding& f) {
         json += "]";
     }
     return json + "}";
+}
+
+// Items formatted on all cores, in consecutive parts, each part the items joined by separator;
+// empty parts left out.
+std::vector<std::string> joinedInParts(std::size_t count, const char* separator,
+                                       const std::function<std::string(std::size_t)>& item) {
+    std::vector<std::string> parts(partsFor(count, 2000));
+    forEachPart(count, 2000, [&](std::size_t from, std::size_t to, std::size_t part) {
+        for (std::size_t i = from; i < to; ++i) {
+            std::string text = item(i);
+            // Items are alike in length: the first says about how long the part will be.
+            if (i == from) parts[part].reserve((text.size() + 4) * (to - from) * 5 / 4);
+            parts[part].append(i > from ? separator : "").append(text);
+        }
+    });
+    std::erase_if(parts, [](const std::string& part) { return part.empty(); });
+    return parts;
 }
 
 // Opens path into the session; false (with the reader's messages said) when it was not read whole.
@@ -123,14 +159,14 @@ int checkCommand(Context& c) {
     options.style = cleanupSettings(c.args);
     if (!parseKinds(c.args.value("--only"), options.only, c.err)) return 2;
     // Spelling is checked only when asked for: it needs a dictionary, a plain check does not.
-    std::unique_ptr<SpellChecker> dictionary;
     if (c.args.has("--spelling") || options.only.count("spelling")) {
-        dictionary = openDictionary(c);
-        if (!dictionary) return 2;
-        options.spelling = dictionary.get();
+        c.spelling = openDictionary(c);
+        if (!c.spelling) return 2;
+        options.spelling = c.spelling.get();
     }
     bool json = c.args.has("--json"), unreadable = false;
-    std::vector<std::string> items;
+    // The findings formatted, in order: text lines, or JSON items joined as printJson joins them.
+    std::vector<std::string> parts;
     for (const std::string& path : c.args.positional) {
         if (!open(c, path)) {
             unreadable = true;
@@ -142,17 +178,21 @@ int checkCommand(Context& c) {
         std::vector<std::string> notes;
         forFile.notes = &notes;
         auto count = std::int32_t(c.session.counts.number(CountLabel::Total));
-        for (const Finding& f : checkDialogue(c.session.store, count, forFile))
-            items.push_back(json ? findingJson(path, f) : findingLine(path, f));
+        const std::vector<Finding>& found =
+            c.findings.emplace_back(checkDialogue(c.session.store, count, forFile));
+        for (std::string& part : joinedInParts(found.size(), json ? ",\n " : "\n", [&](std::size_t i) {
+                 return json ? findingJson(path, found[i]) : findingLine(path, found[i]);
+             }))
+            parts.push_back(std::move(part));
         for (const std::string& note : notes)
             c.err << "quillon: " << forTerminal(path + ": " + note) << "\n";
     }
     if (json)
-        printJson(c.out, items);
+        printJson(c.out, parts);
     else
-        for (const std::string& line : items)
-            c.out << line << '\n';
-    return unreadable || !items.empty() ? 1 : 0;
+        for (const std::string& part : parts)
+            c.out << part << '\n';
+    return unreadable || !parts.empty() ? 1 : 0;
 }
 
 int diffDialogueCommand(Context& c) {

@@ -108,3 +108,23 @@ TEST(Spelling, WordsToCheckLeaveOutPlaceholdersNumbersAndIds) {
         words.emplace_back(w.word);
     EXPECT_EQ(words, (std::vector<std::string>{"don't", "quoted", "well", "known", "M'aiq"}));
 }
+
+TEST(Spelling, ManyResponsesAreNamedInTheOrderOfTheFile) {
+    if (!haveDictionary("en_US")) GTEST_SKIP() << "the en_US dictionary (hunspell-en-us) is not installed";
+    TempDir dir;
+    // Enough responses to be shared among the cores: the findings still come in store order.
+    std::string records = header("") + topic("Guar");
+    std::string expected;
+    for (int i = 0; i < 6000; ++i) {
+        bool misspelt = i % 1000 == 999;
+        records += response(std::to_string(i), "a", misspelt ? "A guar, tommorow." : "A guar, tomorrow.");
+        if (misspelt) expected += std::to_string(i) + ",";
+    }
+    std::string plugin = dir.write("p.esp", records);
+    CliRun r = cli({"check", plugin, "--only", "spelling"});
+    std::string named;
+    std::istringstream lines(r.out);
+    for (std::string line; std::getline(lines, line);)
+        named += line.substr(line.find("INFO ") + 5, line.find(" (topic") - line.find("INFO ") - 5) + ",";
+    EXPECT_EQ(named, expected) << r.out;
+}

@@ -12,9 +12,11 @@
 #include "writer/byte_sink.h"
 #include "writer/es_write.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <numeric>
 
 namespace quillon {
 
@@ -36,6 +38,7 @@ public:
 };
 
 void checkResultScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
+    if (!wants(options, "loop") && !wants(options, "choice") && !wants(options, "topic")) return;
     const std::vector<InfoRecord>& infos = store.INFO;
     // The topics and the choices each topic's responses are shown on (by topic as the writer
     // matches them), of the file and of its masters: a master's response answers the choice too.
@@ -156,12 +159,24 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
                 acceptNames(*options.spelling, m->store);
         checkSpelling(store, *options.spelling, all);
     }
-    std::vector<Finding> kept;
-    for (const char* kind : kFindingKinds)
-        for (Finding& f : all)
-            if (f.kind == kind && (options.only.empty() || options.only.count(kind)))
-                kept.push_back(std::move(f));
-    return kept;
+    // Kind by kind, in the order of the list of kinds; each kind in the order found.
+    constexpr std::size_t kinds = std::size(kFindingKinds);
+    std::vector<std::size_t> rank(all.size());
+    for (std::size_t i = 0; i < all.size(); ++i)
+        rank[i] = std::size_t(std::find(kFindingKinds, kFindingKinds + kinds, all[i].kind) - kFindingKinds);
+    auto kept = [&](std::size_t r) { return r < kinds && wants(options, kFindingKinds[r]); };
+    // The usual case, one kind or kinds found in order, moves nothing: a large master's findings
+    // are many.
+    if (std::all_of(rank.begin(), rank.end(), kept) && std::is_sorted(rank.begin(), rank.end())) return all;
+    std::vector<std::size_t> order(all.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return rank[a] < rank[b]; });
+    std::vector<Finding> wanted;
+    wanted.reserve(all.size());
+    for (std::size_t i : order)
+        if (kept(rank[i])) wanted.push_back(std::move(all[i]));
+    return wanted;
 }
 
 Outcome CheckDialogue(Session& session, Dialogs& dialogs, SpellChecker* spelling) {

@@ -2,6 +2,7 @@
 
 #include "app/encoding.h"
 #include "app/text.h"
+#include "workbench/text_recoder.h"
 
 #include <hunspell.hxx>
 
@@ -9,8 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-
-#include <iconv.h>
 
 namespace quillon {
 
@@ -64,20 +63,21 @@ bool isUtf8(const std::string& encoding) {
     return equalsIgnoreCase(encoding, "UTF-8") || equalsIgnoreCase(encoding, "UTF8");
 }
 
-// text converted between encodings by the system's iconv; empty when a character has no place in
-// the target.
-std::string converted(const std::string& text, const std::string& from, const std::string& to) {
-    iconv_t cd = ::iconv_open(to.c_str(), from.c_str());
-    if (cd == iconv_t(-1)) return {};
-    std::string out(text.size() * 4 + 4, '\0');
-    char* in = const_cast<char*>(text.data());
-    char* at = out.data();
-    std::size_t inLeft = text.size(), outLeft = out.size();
-    std::size_t done = ::iconv(cd, &in, &inLeft, &at, &outLeft);
-    ::iconv_close(cd);
-    if (done == std::size_t(-1)) return {};
-    out.resize(out.size() - outLeft);
-    return out;
+// The words of a .dic file (after its count line, before each word's flags or fields), as the
+// dictionary's bytes.
+std::vector<std::string> dictionaryWords(const fs::path& dic) {
+    std::ifstream in(dic, std::ios::binary);
+    std::vector<std::string> words;
+    std::string line;
+    std::getline(in, line);
+    while (std::getline(in, line)) {
+        std::size_t end = 0;
+        while (end < line.size() && line[end] != '/' && line[end] != '\t' && line[end] != ' ' &&
+               line[end] != '\r')
+            end += line[end] == '\\' && end + 1 < line.size() ? 2 : 1; // "\/" is a slash in the word
+        if (end > 0) words.emplace_back(line, 0, end);
+    }
+    return words;
 }
 
 } // namespace
@@ -91,29 +91,54 @@ std::unique_ptr<SpellChecker> SpellChecker::open(const std::string& dictionary, 
         return nullptr;
     }
     fs::path aff = fs::path(dic).replace_extension(".aff");
-    auto hunspell = std::make_unique<Hunspell>(aff.c_str(), dic.c_str());
-    return std::unique_ptr<SpellChecker>(new SpellChecker(std::move(hunspell), affEncoding(aff)));
+    return std::unique_ptr<SpellChecker>(new SpellChecker(dic, affEncoding(aff)));
 }
 
-SpellChecker::SpellChecker(std::unique_ptr<Hunspell> hunspell, std::string encoding)
-    : hunspell_(std::move(hunspell)), encoding_(std::move(encoding)) {}
+SpellChecker::Loaded::Loaded() = default;
+SpellChecker::Loaded::Loaded(Loaded&&) noexcept = default;
+SpellChecker::Loaded& SpellChecker::Loaded::operator=(Loaded&&) noexcept = default;
+SpellChecker::Loaded::~Loaded() = default;
 
-SpellChecker::~SpellChecker() = default;
+SpellChecker::SpellChecker(const fs::path& dic, const std::string& encoding) {
+    if (!isUtf8(encoding)) {
+        toDictionary_ = std::make_unique<TextRecoder>("UTF-8", encoding);
+        fromDictionary_ = std::make_unique<TextRecoder>(encoding, "UTF-8");
+    }
+    loading_ = std::async(std::launch::async, [this, dic] {
+        Loaded l;
+        fs::path aff = fs::path(dic).replace_extension(".aff");
+        l.hunspell = std::make_unique<Hunspell>(aff.c_str(), dic.c_str());
+        std::vector<std::string> words;
+        for (const std::string& w : dictionaryWords(dic))
+            if (std::string bytes = fromDictionary(w); !bytes.empty()) words.push_back(std::move(bytes));
+        l.words = std::make_unique<NearWords>(std::move(words));
+        return l;
+    });
+}
+
+SpellChecker::~SpellChecker() {
+    if (loading_.valid()) loading_.wait(); // it uses the converters
+}
+
+SpellChecker::Loaded& SpellChecker::loaded() {
+    if (loading_.valid()) loaded_ = loading_.get();
+    return loaded_;
+}
 
 std::string SpellChecker::toDictionary(std::string_view word) const {
     std::string utf8 = toUtf8(word);
-    return isUtf8(encoding_) ? utf8 : converted(utf8, "UTF-8", encoding_);
+    return toDictionary_ ? (*toDictionary_)(utf8) : utf8;
 }
 
 std::string SpellChecker::fromDictionary(const std::string& word) const {
-    std::string utf8 = isUtf8(encoding_) ? word : converted(word, encoding_, "UTF-8");
     std::string bytes;
     char32_t missing = 0;
-    return fromUtf8(utf8, bytes, missing) ? bytes : std::string();
+    bool whole = fromUtf8(fromDictionary_ ? (*fromDictionary_)(word) : word, bytes, missing);
+    return whole ? bytes : std::string();
 }
 
 void SpellChecker::accept(std::string_view word) {
-    accepted_.insert(foldedKey(word));
+    if (accepted_.insert(foldedKey(word)).second) names_.emplace_back(word);
 }
 
 bool SpellChecker::isAccepted(std::string_view word) const {
@@ -125,20 +150,7 @@ bool SpellChecker::known(std::string_view word) {
     auto [at, isNew] = looked_.emplace(std::string(word), false);
     if (isNew) {
         std::string inDictionary = toDictionary(word);
-        at->second = !inDictionary.empty() && hunspell_->spell(inDictionary);
-    }
-    return at->second;
-}
-
-const std::vector<std::string>& SpellChecker::suggestions(std::string_view word) {
-    auto [at, isNew] = suggested_.emplace(std::string(word), std::vector<std::string>());
-    if (isNew) {
-        std::string inDictionary = toDictionary(word);
-        if (!inDictionary.empty())
-            for (const std::string& s : hunspell_->suggest(inDictionary)) {
-                std::string bytes = fromDictionary(s);
-                if (!bytes.empty() && at->second.size() < 5) at->second.push_back(bytes);
-            }
+        at->second = !inDictionary.empty() && loaded().hunspell->spell(inDictionary);
     }
     return at->second;
 }

@@ -2,6 +2,11 @@
 // Hunspell over the file's texts: words come in the session's code page and go to the dictionary
 // in its own encoding. Each distinct word is looked up once; words the user or the load order
 // makes known are never looked up at all.
+#include "workbench/near_words.h"
+#include "workbench/text_recoder.h"
+
+#include <filesystem>
+#include <future>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,7 +22,8 @@ class SpellChecker {
 public:
     // The dictionary named (en_US, looked for among the installed ones: $DICPATH, then
     // /usr/share/hunspell and /usr/share/myspell) or the .dic at a path, its .aff beside it; null
-    // with error set when it cannot be found or read.
+    // with error set when it cannot be found. It loads on another thread meanwhile (while the file
+    // to check is read): the first word looked up waits for it.
     static std::unique_ptr<SpellChecker> open(const std::string& dictionary, std::string& error);
     ~SpellChecker();
 
@@ -27,18 +33,45 @@ public:
     bool known(std::string_view word);
     // True when the word was accepted (a name of the load order, a word of the user's list).
     bool isAccepted(std::string_view word) const;
-    // Up to five corrections the dictionary offers, in the code page's bytes.
+    // Up to five corrections, in the code page's bytes and the word's letter case, fewest edits
+    // first: words of the dictionary and their forms, the accepted names, and two words run
+    // together.
     const std::vector<std::string>& suggestions(std::string_view word);
+    // The suggestions of many words at once, the search shared among the machine's cores.
+    void suggestAll(const std::vector<std::string_view>& words);
+
+    // The dictionary as loaded: Hunspell, and the index of its own words for corrections
+    // (Hunspell's own suggestions compare a word with every word of the dictionary, some
+    // milliseconds each: too slow for the hundreds of unknown words of a large master).
+    struct Loaded {
+        std::unique_ptr<Hunspell> hunspell;
+        std::unique_ptr<NearWords> words;
+        Loaded();
+        Loaded(Loaded&&) noexcept;
+        Loaded& operator=(Loaded&&) noexcept;
+        ~Loaded();
+    };
 
 private:
-    SpellChecker(std::unique_ptr<Hunspell> hunspell, std::string encoding);
+    SpellChecker(const std::filesystem::path& dic, const std::string& encoding);
+    Loaded& loaded();
     // The word in the dictionary's encoding; empty when the encoding cannot hold it.
     std::string toDictionary(std::string_view word) const;
     std::string fromDictionary(const std::string& word) const;
+    // The accepted names, indexed again when some were added since.
+    const NearWords& names();
+    // The corrections of a word, from the positions of the dictionary's and the names' words
+    // nearest to it.
+    std::vector<std::string> corrections(std::string_view word, const std::vector<std::size_t>& inDictionary,
+                                         const std::vector<std::size_t>& inNames);
 
-    std::unique_ptr<Hunspell> hunspell_;
-    std::string encoding_;                     // the dictionary's, as its .aff names it
+    // Between the code page's UTF-8 and the dictionary's encoding; null when that is UTF-8.
+    std::unique_ptr<TextRecoder> toDictionary_, fromDictionary_;
+    std::future<Loaded> loading_;
+    Loaded loaded_;
     std::unordered_set<std::string> accepted_; // folded
+    std::vector<std::string> names_;           // the accepted words as first given
+    std::unique_ptr<NearWords> nameIndex_;
     std::unordered_map<std::string, bool> looked_;
     std::unordered_map<std::string, std::vector<std::string>> suggested_;
 };

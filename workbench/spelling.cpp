@@ -1,20 +1,39 @@
 #include "workbench/spelling.h"
 
+#include "app/encoding.h"
+#include "app/parallel.h"
 #include "app/text.h"
 #include "cleanup/word_tables.h"
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <unordered_map>
 
 namespace quillon {
 
 namespace {
 
-bool isLetter(unsigned char c) {
-    return foldCase(c) != upperCase(c) || c == 0xDF; // letters with a case, and the sharp s
-}
-bool isWordByte(unsigned char c) {
-    return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
-}
-bool isApostrophe(unsigned char c) {
-    return c == '\'' || c == 0x92; // straight, and the right single quote
+enum ByteKind : std::uint8_t { kOther, kLetter, kDigit, kApostrophe }; // digits and underscores alike
+using ByteKinds = std::array<ByteKind, 256>;
+
+// What each byte is to a word, in the active code page; made again when the page changes.
+const ByteKinds& byteKinds() {
+    thread_local ByteKinds kinds;
+    thread_local std::optional<CodePage> madeFor;
+    if (madeFor != activeCodePage()) {
+        for (int c = 0; c < 256; ++c) {
+            auto b = static_cast<unsigned char>(c);
+            bool letter = foldCase(b) != upperCase(b) || b == 0xDF; // letters with a case, and the sharp s
+            kinds[b] = letter                               ? kLetter
+                       : (b >= '0' && b <= '9') || b == '_' ? kDigit
+                       : b == '\'' || b == 0x92 ? kApostrophe // straight, and the right single quote
+                                                : kOther;
+        }
+        madeFor = activeCodePage();
+    }
+    return kinds;
 }
 
 std::string_view withoutSuffix(std::string_view word, std::string_view suffix) {
@@ -25,23 +44,24 @@ std::string_view withoutSuffix(std::string_view word, std::string_view suffix) {
 
 } // namespace
 
-std::vector<WordAt> wordsToCheck(std::string_view text) {
-    std::vector<WordAt> words;
+void wordsToCheck(std::string_view text, std::vector<WordAt>& words) {
+    const ByteKinds& kinds = byteKinds();
+    auto kindOf = [&](std::size_t i) { return kinds[static_cast<unsigned char>(text[i])]; };
+    words.clear();
     for (std::size_t i = 0; i < text.size();) {
-        if (!isWordByte(static_cast<unsigned char>(text[i]))) {
+        if (kindOf(i) == kOther || kindOf(i) == kApostrophe) {
             ++i;
             continue;
         }
         std::size_t start = i;
         bool skip = start > 0 && text[start - 1] == '%'; // a placeholder
         while (i < text.size()) {
-            auto c = static_cast<unsigned char>(text[i]);
-            if (isWordByte(c)) {
-                skip = skip || !isLetter(c);
+            ByteKind kind = kindOf(i);
+            if (kind == kLetter || kind == kDigit) {
+                skip = skip || kind == kDigit;
                 ++i;
-            } else if (isApostrophe(c) && i + 1 < text.size() &&
-                       isLetter(static_cast<unsigned char>(text[i + 1])) &&
-                       isLetter(static_cast<unsigned char>(text[i - 1]))) {
+            } else if (kind == kApostrophe && i + 1 < text.size() && kindOf(i + 1) == kLetter &&
+                       kindOf(i - 1) == kLetter) {
                 ++i;
             } else {
                 break;
@@ -49,6 +69,11 @@ std::vector<WordAt> wordsToCheck(std::string_view text) {
         }
         if (!skip) words.push_back({text.substr(start, i - start), start});
     }
+}
+
+std::vector<WordAt> wordsToCheck(std::string_view text) {
+    std::vector<WordAt> words;
+    wordsToCheck(text, words);
     return words;
 }
 
@@ -94,20 +119,89 @@ bool spelledRight(SpellChecker& checker, std::string_view word) {
     return false;
 }
 
-void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out) {
-    auto report = [&](Finding f, const WordAt& w) {
-        f.kind = "spelling";
-        f.word = std::string(w.word);
-        f.suggestions = checker.suggestions(w.word);
-        f.detail =
-            "\"" + f.word + "\" at character " + std::to_string(w.at + 1) + " is not in the dictionary";
-        if (!f.suggestions.empty()) {
-            f.detail += "; did you mean ";
-            for (std::size_t i = 0; i < f.suggestions.size(); ++i)
-                f.detail += (i ? ", \"" : "\"") + f.suggestions[i] + "\"";
-            f.detail += "?";
+namespace {
+
+// What a finding says of a word, but for where it stands: made once per word, used for each place.
+struct Verdict {
+    std::string before, after; // the detail around the word's position
+    std::vector<std::string> suggestions;
+};
+
+Verdict verdictOn(SpellChecker& checker, std::string_view word) {
+    Verdict v;
+    v.suggestions = checker.suggestions(word);
+    v.before = "\"" + std::string(word) + "\" at character ";
+    v.after = " is not in the dictionary";
+    if (!v.suggestions.empty()) {
+        v.after += "; did you mean ";
+        for (std::size_t i = 0; i < v.suggestions.size(); ++i)
+            v.after += (i ? ", \"" : "\"") + v.suggestions[i] + "\"";
+        v.after += "?";
+    }
+    return v;
+}
+
+Finding spellingFinding(Finding f, std::string_view word, std::size_t at, const Verdict& v) {
+    f.kind = "spelling";
+    f.word = std::string(word);
+    f.suggestions = v.suggestions;
+    std::string position = std::to_string(at + 1);
+    f.detail.reserve(v.before.size() + position.size() + v.after.size());
+    f.detail.append(v.before).append(position).append(v.after);
+    return f;
+}
+
+// Words are short: a byte-at-a-time hash beats the library's on them.
+struct ShortTextHash {
+    std::size_t operator()(std::string_view text) const {
+        std::uint64_t h = 14695981039346656037ull; // FNV-1a
+        for (char c : text)
+            h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
+        return std::size_t(h);
+    }
+};
+
+struct Misspelt {
+    std::size_t info;
+    WordAt word;
+};
+
+// The words of the responses that are not spelled right, in store order. The responses are read
+// on all cores; each part remembers its own verdicts, so that the checker (which is not safe to
+// share) is asked once per part and word.
+std::vector<Misspelt> misspeltWords(const std::vector<InfoRecord>& infos, SpellChecker& checker) {
+    constexpr std::size_t kWorthAThread = 2000;
+    std::vector<std::vector<Misspelt>> parts(partsFor(infos.size(), kWorthAThread));
+    std::mutex checkerGuard;
+    forEachPart(infos.size(), kWorthAThread, [&](std::size_t from, std::size_t to, std::size_t part) {
+        std::unordered_map<std::string_view, bool, ShortTextHash> right(4096);
+        std::vector<WordAt> words;
+        for (std::size_t i = from; i < to; ++i) {
+            wordsToCheck(infos[i].NAME, words);
+            for (const WordAt& w : words) {
+                auto known = right.find(w.word);
+                if (known == right.end()) {
+                    std::lock_guard<std::mutex> lock(checkerGuard);
+                    known = right.emplace(w.word, spelledRight(checker, w.word)).first;
+                }
+                if (!known->second) parts[part].push_back({i, w});
+            }
         }
-        out.push_back(std::move(f));
+    });
+    std::vector<Misspelt> all;
+    for (std::vector<Misspelt>& part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+} // namespace
+
+void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out) {
+    std::unordered_map<std::string_view, Verdict> verdicts;
+    auto verdict = [&](std::string_view word) -> const Verdict& {
+        auto at = verdicts.find(word);
+        return at != verdicts.end() ? at->second
+                                    : verdicts.emplace(word, verdictOn(checker, word)).first->second;
     };
     for (const DialRecord& d : store.DIAL) {
         if (d.DATA != 0) continue; // only a topic's name is shown to the player
@@ -116,12 +210,26 @@ void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<
                 Finding f;
                 f.record = "DIAL";
                 f.id = d.NAME;
-                report(std::move(f), w);
+                out.push_back(spellingFinding(std::move(f), w.word, w.at, verdict(w.word)));
             }
     }
-    for (std::size_t i = 0; i < store.INFO.size(); ++i)
-        for (const WordAt& w : wordsToCheck(store.INFO[i].NAME))
-            if (!spelledRight(checker, w.word)) report(aboutResponse(store.INFO, i, "spelling"), w);
+    std::vector<Misspelt> misspelt = misspeltWords(store.INFO, checker);
+    std::vector<std::string_view> distinct;
+    for (const Misspelt& m : misspelt)
+        if (!verdicts.count(m.word.word)) {
+            distinct.push_back(m.word.word);
+            verdicts.emplace(m.word.word, Verdict());
+        }
+    checker.suggestAll(distinct);
+    for (std::string_view word : distinct)
+        verdicts[word] = verdictOn(checker, word);
+    std::size_t first = out.size();
+    out.resize(first + misspelt.size());
+    forEachIndex(misspelt.size(), [&](std::size_t k) {
+        const Misspelt& m = misspelt[k];
+        out[first + k] = spellingFinding(aboutResponse(store.INFO, m.info, "spelling"), m.word.word,
+                                         m.word.at, verdicts.find(m.word.word)->second);
+    });
 }
 
 } // namespace quillon

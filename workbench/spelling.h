@@ -19,6 +19,8 @@ struct WordAt {
 // The words of a text worth checking: letters joined by apostrophes, without placeholders
 // (%PCName), numbers and tokens holding digits or underscores (IDs).
 std::vector<WordAt> wordsToCheck(std::string_view text);
+// The same into words (emptied first), whose room is used again.
+void wordsToCheck(std::string_view text, std::vector<WordAt>& words);
 
 // Takes as correct every word of the names a store defines (NPCs, creatures, cells, regions,
 // factions and their ranks, topics, items, spells, classes, races, birthsigns, and the IDs of its
