@@ -156,6 +156,8 @@ void printTargets(const ProcessRun& run) {
     std::printf("  check of a small plugin reading the file as its master: %.2fx Open of the master (target "
                 "<= 1.2)\n",
                 ms(run, "check with master") / open);
+    std::printf("  check --only spelling of every response: %.2fx Open (target <= 3)\n",
+                ms(run, "check --only spelling") / open);
     if (double clone = ms(run, "esmtool clone"); clone > 0)
         std::printf("  esmtool clone: %.1fx the time of quillon save (target >= 20)\n", clone / save);
 }
