@@ -9,6 +9,7 @@
 #include "tools/fixed_answers.h"
 #include "tools/record_builder.h"
 #include "translation/po_file.h"
+#include "workbench/near_words.h"
 #include "workbench/spelling.h"
 #include "writer/es_write.h"
 
@@ -121,8 +122,18 @@ void texts(const std::uint8_t* data, std::size_t size) {
     for (ScriptSource source : {ScriptSource::Result, ScriptSource::Record})
         for (const ScriptProblem& p : checkScript(text, source, {}, names))
             if (p.line == 0) std::abort();
-    for (const WordAt& w : wordsToCheck(text))
+    std::vector<std::string> words;
+    for (const WordAt& w : wordsToCheck(text)) {
         if (w.at + w.word.size() > text.size()) std::abort();
+        if (words.size() < 500) words.emplace_back(w.word);
+    }
+    // The index of corrections over the text's own words, each asked for its nearest.
+    NearWords near(words);
+    for (std::size_t k = 0; k < words.size() && k < 50; ++k)
+        for (std::size_t i : near.nearest(words[k], 5, 1, words[k].size() + 4)) {
+            if (i >= near.size()) std::abort();
+            if (editDistance(words[k], near[i]) != editDistance(near[i], words[k])) std::abort();
+        }
 }
 
 void npcList(const std::uint8_t* data, std::size_t size) {

@@ -121,7 +121,14 @@ SpellChecker::~SpellChecker() {
 }
 
 SpellChecker::Loaded& SpellChecker::loaded() {
-    if (loading_.valid()) loaded_ = loading_.get();
+    if (loading_.valid()) {
+        try {
+            loaded_ = loading_.get();
+        } catch (...) {
+            loadFailure_ = std::current_exception();
+        }
+    }
+    if (loadFailure_) std::rethrow_exception(loadFailure_);
     return loaded_;
 }
 

@@ -5,6 +5,7 @@
 #include "workbench/near_words.h"
 #include "workbench/text_recoder.h"
 
+#include <exception>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -40,6 +41,7 @@ public:
     // The suggestions of many words at once, the search shared among the machine's cores.
     void suggestAll(const std::vector<std::string_view>& words);
 
+private:
     // The dictionary as loaded: Hunspell, and the index of its own words for corrections
     // (Hunspell's own suggestions compare a word with every word of the dictionary, some
     // milliseconds each: too slow for the hundreds of unknown words of a large master).
@@ -52,7 +54,6 @@ public:
         ~Loaded();
     };
 
-private:
     SpellChecker(const std::filesystem::path& dic, const std::string& encoding);
     Loaded& loaded();
     // The word in the dictionary's encoding; empty when the encoding cannot hold it.
@@ -69,9 +70,11 @@ private:
     std::unique_ptr<TextRecoder> toDictionary_, fromDictionary_;
     std::future<Loaded> loading_;
     Loaded loaded_;
+    std::exception_ptr loadFailure_;           // what ended the loading, said again at every use
     std::unordered_set<std::string> accepted_; // folded
     std::vector<std::string> names_;           // the accepted words as first given
     std::unique_ptr<NearWords> nameIndex_;
+    std::size_t indexedNames_ = 0; // how many of names_ nameIndex_ holds
     std::unordered_map<std::string, bool> looked_;
     std::unordered_map<std::string, std::vector<std::string>> suggested_;
 };

@@ -58,7 +58,10 @@ bool addsApostrophe(std::string_view word, std::string_view form) {
 } // namespace
 
 const NearWords& SpellChecker::names() {
-    if (!nameIndex_ || nameIndex_->size() != names_.size()) nameIndex_ = std::make_unique<NearWords>(names_);
+    if (!nameIndex_ || indexedNames_ != names_.size()) {
+        nameIndex_ = std::make_unique<NearWords>(names_);
+        indexedNames_ = names_.size();
+    }
     return *nameIndex_;
 }
 

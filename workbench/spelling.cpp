@@ -151,16 +151,6 @@ Finding spellingFinding(Finding f, std::string_view word, std::size_t at, const 
     return f;
 }
 
-// Words are short: a byte-at-a-time hash beats the library's on them.
-struct ShortTextHash {
-    std::size_t operator()(std::string_view text) const {
-        std::uint64_t h = 14695981039346656037ull; // FNV-1a
-        for (char c : text)
-            h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-        return std::size_t(h);
-    }
-};
-
 struct Misspelt {
     std::size_t info;
     WordAt word;
@@ -174,7 +164,7 @@ std::vector<Misspelt> misspeltWords(const std::vector<InfoRecord>& infos, SpellC
     std::vector<std::vector<Misspelt>> parts(partsFor(infos.size(), kWorthAThread));
     std::mutex checkerGuard;
     forEachPart(infos.size(), kWorthAThread, [&](std::size_t from, std::size_t to, std::size_t part) {
-        std::unordered_map<std::string_view, bool, ShortTextHash> right(4096);
+        std::unordered_map<std::string_view, bool> right(4096);
         std::vector<WordAt> words;
         for (std::size_t i = from; i < to; ++i) {
             wordsToCheck(infos[i].NAME, words);
