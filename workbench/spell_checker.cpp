@@ -6,6 +6,7 @@
 
 #include <hunspell.hxx>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -104,7 +105,8 @@ SpellChecker::SpellChecker(const fs::path& dic, const std::string& encoding) {
         toDictionary_ = std::make_unique<TextRecoder>("UTF-8", encoding);
         fromDictionary_ = std::make_unique<TextRecoder>(encoding, "UTF-8");
     }
-    loading_ = std::async(std::launch::async, [this, dic] {
+    // On this thread at the first use instead when no other can be had.
+    loading_ = std::async(std::launch::async | std::launch::deferred, [this, dic] {
         Loaded l;
         fs::path aff = fs::path(dic).replace_extension(".aff");
         l.hunspell = std::make_unique<Hunspell>(aff.c_str(), dic.c_str());
@@ -117,7 +119,9 @@ SpellChecker::SpellChecker(const fs::path& dic, const std::string& encoding) {
 }
 
 SpellChecker::~SpellChecker() {
-    if (loading_.valid()) loading_.wait(); // it uses the converters
+    // A loading under way uses the converters; one left to the first use never started.
+    if (loading_.valid() && loading_.wait_for(std::chrono::seconds(0)) != std::future_status::deferred)
+        loading_.wait();
 }
 
 SpellChecker::Loaded& SpellChecker::loaded() {
