@@ -1,5 +1,5 @@
 // The spelling check: only words that neither the dictionary nor the load order's names know are
-// named, with the dictionary's suggestions; in the file's code page, Cyrillic included.
+// named, with their corrections; in the file's code page, Cyrillic included.
 #include "cli_run.h"
 #include "helpers.h"
 #include "workbench/spelling.h"
