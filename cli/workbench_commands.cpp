@@ -19,7 +19,11 @@
 namespace quillon {
 
 std::string responseName(const std::string& id, const std::string& topic, const std::string& actor) {
-    return "INFO " + id + " (topic \"" + topic + "\", actor \"" + actor + "\")";
+    // Appended piece by piece: a check of a large master names 100,000 responses.
+    std::string name;
+    name.reserve(id.size() + topic.size() + actor.size() + 28);
+    name.append("INFO ").append(id).append(" (topic \"").append(topic).append("\", actor \"").append(actor);
+    return name.append("\")");
 }
 
 void printJson(std::ostream& out, const std::vector<std::string>& items) {
@@ -58,29 +62,22 @@ bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostr
     return true;
 }
 
-// Written piece by piece into one text: a check of a large master may say this 100,000 times.
 std::string findingLine(const std::string& file, const Finding& f) {
-    std::string data;
-    data.reserve(f.id.size() + f.topic.size() + f.actor.size() + f.detail.size() + 32);
-    if (f.record == "INFO" && f.kind != "master")
-        data.append("INFO ")
-            .append(f.id)
-            .append(" (topic \"")
-            .append(f.topic)
-            .append("\", actor \"")
-            .append(f.actor)
-            .append("\")");
-    else if (f.id.empty())
-        data.append(f.record);
-    else
-        data.append(f.record).append(" \"").append(f.id).append("\"");
-    data.append(": ").append(f.detail);
-    if (f.kind == "style")
-        data.append(": ").append(oneLine(f.before)).append(" -> ").append(oneLine(f.after));
+    std::string subject = f.record == "INFO" && f.kind != "master" ? responseName(f.id, f.topic, f.actor)
+                          : f.id.empty()                           ? f.record
+                                                                   : f.record + " \"" + f.id + "\"";
+    // Appended piece by piece to one text (a byte's UTF-8 does not depend on its neighbours): a
+    // check of a large master says this 100,000 times.
     std::string line;
-    line.reserve(file.size() + f.kind.size() + data.size() + 8);
+    line.reserve(file.size() + f.kind.size() + subject.size() + f.detail.size() + 8);
     line.append(file).append(": ").append(f.kind).append(": ");
-    appendUtf8(line, data);
+    appendUtf8(line, subject);
+    line.append(": ");
+    appendUtf8(line, f.detail);
+    if (f.kind == "style") {
+        line.append(": ");
+        appendUtf8(line, oneLine(f.before) + " -> " + oneLine(f.after));
+    }
     return forTerminal(line);
 }
 

@@ -187,36 +187,37 @@ std::vector<Misspelt> misspeltWords(const std::vector<InfoRecord>& infos, SpellC
 } // namespace
 
 void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out) {
-    std::unordered_map<std::string_view, Verdict> verdicts;
-    auto verdict = [&](std::string_view word) -> const Verdict& {
-        auto at = verdicts.find(word);
-        return at != verdicts.end() ? at->second
-                                    : verdicts.emplace(word, verdictOn(checker, word)).first->second;
-    };
+    std::vector<std::pair<const DialRecord*, WordAt>> inTopics;
     for (const DialRecord& d : store.DIAL) {
         if (d.DATA != 0) continue; // only a topic's name is shown to the player
         for (const WordAt& w : wordsToCheck(d.NAME))
-            if (!spelledRight(checker, w.word)) {
-                Finding f;
-                f.record = "DIAL";
-                f.id = d.NAME;
-                out.push_back(spellingFinding(std::move(f), w.word, w.at, verdict(w.word)));
-            }
+            if (!spelledRight(checker, w.word)) inTopics.emplace_back(&d, w);
     }
-    std::vector<Misspelt> misspelt = misspeltWords(store.INFO, checker);
+    std::vector<Misspelt> inResponses = misspeltWords(store.INFO, checker);
+    // Each distinct word's suggestions and words of the finding, made once.
+    std::unordered_map<std::string_view, Verdict> verdicts;
     std::vector<std::string_view> distinct;
-    for (const Misspelt& m : misspelt)
-        if (!verdicts.count(m.word.word)) {
-            distinct.push_back(m.word.word);
-            verdicts.emplace(m.word.word, Verdict());
-        }
+    auto learn = [&](std::string_view word) {
+        if (verdicts.try_emplace(word).second) distinct.push_back(word);
+    };
+    for (const auto& [dial, w] : inTopics)
+        learn(w.word);
+    for (const Misspelt& m : inResponses)
+        learn(m.word.word);
     checker.suggestAll(distinct);
     for (std::string_view word : distinct)
         verdicts[word] = verdictOn(checker, word);
+
+    for (const auto& [dial, w] : inTopics) {
+        Finding f;
+        f.record = "DIAL";
+        f.id = dial->NAME;
+        out.push_back(spellingFinding(std::move(f), w.word, w.at, verdicts[w.word]));
+    }
     std::size_t first = out.size();
-    out.resize(first + misspelt.size());
-    forEachIndex(misspelt.size(), [&](std::size_t k) {
-        const Misspelt& m = misspelt[k];
+    out.resize(first + inResponses.size());
+    forEachIndex(inResponses.size(), [&](std::size_t k) {
+        const Misspelt& m = inResponses[k];
         out[first + k] = spellingFinding(aboutResponse(store.INFO, m.info, "spelling"), m.word.word,
                                          m.word.at, verdicts.find(m.word.word)->second);
     });
