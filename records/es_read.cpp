@@ -116,7 +116,18 @@ std::string unknownRecordQuestion(std::size_t offset, Tag t) {
 
 } // namespace
 
+bool hasOpenMWFileName(const std::string& path) {
+    std::string name = std::filesystem::path(path).filename().string();
+    std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos) return false;
+    std::string extension = name.substr(dot + 1);
+    for (char& c : extension)
+        c = char(std::tolower(static_cast<unsigned char>(c)));
+    return extension == "omwaddon" || extension == "omwgame";
+}
+
 bool hasDataFileName(const std::string& path) {
+    if (hasOpenMWFileName(path)) return true;
     std::string last3 = path.size() > 3 ? path.substr(path.size() - 3) : path;
     std::string first2 = last3.substr(0, 2);
     for (char& c : first2)
@@ -142,8 +153,15 @@ double ReadESFile(RecordStore& store, const std::string& path, std::int32_t& rec
         recordCount = 0;
         return -1;
     }
+    bool openmw = hasOpenMWFileName(path);
+    // OpenMW's names say nothing of the format, so the file itself must say it is one.
+    if (openmw && std::string_view(bytes->data(), std::min<std::size_t>(bytes->size(), 4)) != "TES3") {
+        prompts.tell("The selected file is invalid.");
+        recordCount = 0;
+        return -1;
+    }
     double loadMs = msSince(start);
-    double ms = readSource(store, std::move(bytes), recordCount, trimAtEnd, prompts, diagnostics);
+    double ms = readSource(store, std::move(bytes), recordCount, trimAtEnd, prompts, diagnostics, openmw);
     return ms > 0 ? ms + loadMs : ms;
 }
 
@@ -154,7 +172,7 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
 }
 
 double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source, std::int32_t& recordCount,
-                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics) {
+                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics, bool openmwFile) {
     Clock::time_point start = Clock::now();
     double pauseMs = 0;
     TypeCounts counts = countRecords(*source);
@@ -163,6 +181,7 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
     std::size_t size = source->size();
     reserveArrays(store, counts);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
+    in.keepForeignSubRecords(openmwFile);
     PassedBytes passed(*source, 0);
     // A record needs more than its tag: four bytes or fewer left over are passed over.
     for (; !in.failed() && in.remaining() > 4; passed.reached(in.pos())) {
@@ -173,6 +192,12 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
             QUILLON_RECORD_TYPES(QUILLON_DISPATCH)
 #undef QUILLON_DISPATCH
         default:
+            if (openmwFile) {
+                // OpenMW's own record types (Lua scripts and the like) belong in its files.
+                append(store.Unknown, in, store, readRaw);
+                store.Unknown.back().Whole = true;
+                break;
+            }
             if (!store.SkipUnknownPrompt) {
                 Clock::time_point asked = Clock::now();
                 Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)},
@@ -188,6 +213,9 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
             append(store.Unknown, in, store, readRaw);
             break;
         }
+        // A savegame's records hold sub-records of its own, read with them.
+        if (t == tag("TES3") && !store.TES3.empty() && (store.TES3.back().FileType & 0xFF) == 32)
+            in.keepForeignSubRecords(true);
         ++recordCount;
     }
     if (diagnostics) {

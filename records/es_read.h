@@ -27,10 +27,17 @@ double ReadESBuffer(RecordStore& store, std::string bytes, std::int32_t& recordC
                     Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
 
 // Reads a data file already loaded; the store keeps the bytes.
+// An OpenMW file (openmwFile) keeps records of types the format does not know with their data,
+// without a question, and sub-records its readers do not know with their records, as a savegame
+// does.
 double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source, std::int32_t& recordCount,
-                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics = nullptr);
+                  bool trimAtEnd, Prompts& prompts, ReadDiagnostics* diagnostics = nullptr,
+                  bool openmwFile = false);
 
-// True when the path's extension begins with "ES", as data files' extensions do.
+// True when the path's extension begins with "ES", as data files' extensions do, or is one of
+// OpenMW's (.omwaddon, .omwgame).
 bool hasDataFileName(const std::string& path);
+// True for OpenMW's own names of data files, .omwaddon and .omwgame, in any letter case.
+bool hasOpenMWFileName(const std::string& path);
 
 } // namespace quillon

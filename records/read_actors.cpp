@@ -32,12 +32,24 @@ bool readActorPart(ByteCursor& in, Tag t, RecordHeader& r, ActorLists& a) {
     case tag("NPCO"): return readRun(in, a.Inventory, [&](InventoryItem& e) { readInventoryItem(in, e); });
     case tag("NPCS"): return readRun(in, a.Spells, [&](SpellEntry& e) { readSpell(in, e); });
     case tag("AIDT"): readFields(in, a.AIDTSize, a, layout::aiData); return true;
-    // The package lists count across runs: every package lands in its list in file order.
-    case tag("AI_W"): return readPackage(in, a.Wander, &WanderPackage::AI_WSize, layout::wander);
-    case tag("AI_T"): return readPackage(in, a.Travel, &TravelPackage::AI_TSize, layout::travel);
-    case tag("AI_A"): return readPackage(in, a.Activate, &ActivatePackage::AI_ASize, layout::activate);
-    case tag("AI_F"): readFollow(in, a.Follow.emplace_back()); return true;
-    case tag("AI_E"): readFollow(in, a.Escort.emplace_back()); return true;
+    // Every package lands in the list of its kind, and the order of kinds is noted.
+    case tag("AI_W"):
+        a.PackageOrder.push_back(PackageKind::Wander);
+        return readPackage(in, a.Wander, &WanderPackage::AI_WSize, layout::wander);
+    case tag("AI_T"):
+        a.PackageOrder.push_back(PackageKind::Travel);
+        return readPackage(in, a.Travel, &TravelPackage::AI_TSize, layout::travel);
+    case tag("AI_A"):
+        a.PackageOrder.push_back(PackageKind::Activate);
+        return readPackage(in, a.Activate, &ActivatePackage::AI_ASize, layout::activate);
+    case tag("AI_F"):
+        a.PackageOrder.push_back(PackageKind::Follow);
+        readFollow(in, a.Follow.emplace_back());
+        return true;
+    case tag("AI_E"):
+        a.PackageOrder.push_back(PackageKind::Escort);
+        readFollow(in, a.Escort.emplace_back());
+        return true;
     case tag("DODT"): readDestination(in, a.Destinations.emplace_back()); return true;
     case tag("DELE"): return readDele(in, r);
     default: return false;
@@ -56,13 +68,13 @@ void readNpc(ByteCursor& in, NpcRecord& r, RecordStore&) {
         case tag("BNAM"): readZ(in, r.BNAMSize, r.BNAM); return true;
         case tag("KNAM"): readZ(in, r.KNAMSize, r.KNAM); return true;
         case tag("NPDT"):
-            // 12 bytes for an auto-calculated NPC; any other size is taken as the full 52.
+            // 12 bytes for an auto-calculated NPC; any other size is read into the full 52.
             in.skip(4);
             r.NPDTSize = in.i32();
             if (r.NPDTSize == 12)
                 in.fields(r.NPDTShort);
             else
-                in.fields(r.NPDT);
+                in.fixed(r.NPDTSize, sizeof r.NPDT, [&](ByteCursor& data) { data.fields(r.NPDT); });
             return true;
         default: return readActorPart(in, t, r, r);
         }

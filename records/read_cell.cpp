@@ -1,6 +1,7 @@
 #include "records/read_common.h"
 
 #include <cstring>
+#include <iterator>
 #include <new>
 
 namespace quillon {
@@ -65,10 +66,13 @@ bool readReferencePart(ByteCursor& in, Tag t, CellReference& ref) {
         ref.Disabled = 1;
         in.skip(9);
         return true;
-    case tag("DELE"):
+    case tag("DELE"): {
         ref.Deleted = 1;
-        in.skip(12);
+        in.skip(8);
+        Bytes<4> value = in.value<Bytes<4>>();
+        if (value != Bytes<4>{100, 44, 72, 0}) ref.more.get().DELEValue = value;
         return true;
+    }
     default:
         if (!isSaveGameSub(t)) return false;
         in.skip(4);
@@ -78,11 +82,38 @@ bool readReferencePart(ByteCursor& in, Tag t, CellReference& ref) {
     }
 }
 
+// The place of a reference's sub-record in the order they are written in, as the editors write them.
+int writtenRank(Tag t) {
+    constexpr Tag order[] = {tag("NAME"), tag("XSCL"), tag("DODT"), tag("DNAM"), tag("FLTV"), tag("KNAM"),
+                             tag("TNAM"), tag("ANAM"), tag("CNAM"), tag("UNAM"), tag("BNAM"), tag("XCHG"),
+                             tag("INTV"), tag("NAM9"), tag("INDX"), tag("XSOL"), tag("ZNAM")};
+    for (int i = 0; i < int(std::size(order)); ++i)
+        if (order[i] == t) return i;
+    if (t == tag("DATA")) return 100;
+    if (t == tag("DELE")) return 101;
+    return 50; // a savegame's own sub-records, written in their order before DATA
+}
+
+// The sub-records of a reference after its FRMR up to the first tag that is not its own; their
+// order is kept where it is not the written one.
+void readReferenceParts(ByteCursor& in, CellReference& ref) {
+    thread_local std::vector<Tag> read;
+    read.clear();
+    bool ordered = true;
+    int lastRank = -1;
+    for (Tag t = in.peekTag(); readReferencePart(in, t, ref); t = in.peekTag()) {
+        read.push_back(t);
+        int rank = writtenRank(t);
+        ordered = ordered && (rank > lastRank || (rank == lastRank && rank >= 50));
+        lastRank = rank;
+    }
+    if (!ordered) ref.more.get().Order.assign(read.begin(), read.end());
+}
+
 // A reference: FRMR, then its sub-records up to the first tag that is not its own.
 void readReference(ByteCursor& in, CellReference& ref) {
     readFields(in, ref.FRMRSize, ref, layout::reference);
-    while (readReferencePart(in, in.peekTag(), ref)) {
-    }
+    readReferenceParts(in, ref);
 }
 
 // A moved reference: MVRF and the cell it moved to, then the reference itself.
@@ -96,8 +127,7 @@ void readMovedReference(ByteCursor& in, CellReference& ref) {
     else
         in.skip(4); // with neither, the FRMR's tag is passed over and its size word read as the tag
     readFields(in, ref.FRMRSize, ref, layout::reference);
-    while (readReferencePart(in, in.peekTag(), ref)) {
-    }
+    readReferenceParts(in, ref);
 }
 
 // The references of the cell whose tag is at the read position, counted from the FRMR
@@ -155,7 +185,11 @@ void readCell(ByteCursor& in, CellRecord& r, RecordStore&) {
             in.skip(4);
             in.skip(in.i32());
             return true;
-        case tag("NAM8"): readU(in, r.NAM8Size, r.NAM8); return true;
+        case tag("NAM8"):
+            // A savegame's second map part is kept whole rather than taking the first one's place.
+            if (r.NAM8Size != 0 && in.keepForeign()) return true;
+            readU(in, r.NAM8Size, r.NAM8);
+            return true;
         case tag("DELE"): r.Deleted = 1; return readDele(in, r);
         case tag("FRMR"): readReference(in, newReference()); return true;
         case tag("MVRF"): readMovedReference(in, newReference()); return true;

@@ -16,7 +16,8 @@ template <class R, class F> void readRecord(ByteCursor& in, R& r, F&& take) {
     r.Header1 = in.i32();
     r.Flags = in.i32();
     in.expectRecord(r.Offset, r.Size);
-    while (take(in.peekTag())) {
+    in.keepInto(r);
+    while (take(in.peekTag()) || in.keepForeign()) {
     }
 }
 
@@ -24,38 +25,43 @@ template <class R, class F> void readRecord(ByteCursor& in, R& r, F&& take) {
 inline void readZ(ByteCursor& in, i32& size, std::string& text) {
     in.skip(4);
     size = in.i32();
+    in.keepEmpty(size);
     text = in.ztext(size);
 }
 // A zero-terminated text sub-record where it stands in the file's bytes.
 inline void readZ(ByteCursor& in, i32& size, std::string_view& text) {
     in.skip(4);
     size = in.i32();
+    in.keepEmpty(size);
     text = in.zview(size);
 }
 // A text sub-record taken whole, terminator (if any) included.
 inline void readU(ByteCursor& in, i32& size, std::string& text) {
     in.skip(4);
     size = in.i32();
+    in.keepEmpty(size);
     text = in.text(size);
 }
 // A text sub-record taken whole where it stands in the file's bytes.
 inline void readU(ByteCursor& in, i32& size, std::string_view& text) {
     in.skip(4);
     size = in.i32();
+    in.keepEmpty(size);
     text = in.view(size);
 }
-// A sub-record holding one value or a data block of fixed width, read at its width whatever the
-// size says.
+// A sub-record holding one value or a data block of fixed width, read by the size it declares
+// (see ByteCursor::fixed).
 template <class T> void readV(ByteCursor& in, i32& size, T& v) {
     in.skip(4);
     size = in.i32();
-    in.fields(v);
+    in.fixed(size, sizeof v, [&](ByteCursor& data) { data.fields(v); });
 }
-// A sub-record holding the fields a layout lists.
+// A sub-record holding the fields a layout lists, read by the size it declares.
 template <class T, class Layout> void readFields(ByteCursor& in, i32& size, T& block, Layout layout) {
     in.skip(4);
     size = in.i32();
-    layout(block, [&](auto&&... f) { in.fields(f...); });
+    in.fixed(size, layoutWidth(block, layout),
+             [&](ByteCursor& data) { layout(block, [&](auto&&... f) { data.fields(f...); }); });
 }
 // DELE's value is never stored: the record only notes that it carried one.
 inline bool readDele(ByteCursor& in, RecordHeader& r) {

@@ -1,5 +1,7 @@
 #include "records/read_common.h"
 
+#include <algorithm>
+
 namespace quillon {
 
 void readDial(ByteCursor& in, DialRecord& r, RecordStore& store) {
@@ -12,11 +14,10 @@ void readDial(ByteCursor& in, DialRecord& r, RecordStore& store) {
         case tag("DATA"):
             in.skip(4);
             r.DATASize = in.i32();
-            // Deleted topics carry four bytes here; only one byte is read for any other size.
-            if (r.DATASize == 4)
-                in.skip(4);
-            else
-                r.DATA = in.u8();
+            // Deleted topics carry four bytes here, kept as they are; the type stays 0.
+            in.fixed(r.DATASize, r.DATASize == 4 ? 0 : 1, [&](ByteCursor& data) {
+                if (r.DATASize != 4) r.DATA = data.u8();
+            });
             return true;
         case tag("XIDX"): readV(in, r.XIDXSize, r.XIDX); return true;
         case tag("DELE"): return readDele(in, r);
@@ -28,9 +29,16 @@ void readDial(ByteCursor& in, DialRecord& r, RecordStore& store) {
 namespace {
 
 // One SCVR and the INTV or FLTV right behind it.
+// The SCVR is read by its size: the five bytes of its head, then the name filling the rest.
 void readCondition(ByteCursor& in, InfoCondition& c) {
-    readFields(in, c.SCVRSize, c, layout::conditionHead);
-    c.Name = in.text(c.SCVRSize - 5);
+    in.skip(4);
+    c.SCVRSize = in.i32();
+    in.keepEmpty(c.SCVRSize);
+    std::string_view data = in.view(c.SCVRSize);
+    ByteCursor head(reinterpret_cast<const std::uint8_t*>(data.data()),
+                    std::min<std::size_t>(data.size(), 5));
+    layout::conditionHead(c, [&](auto&&... f) { head.fields(f...); });
+    if (data.size() > 5) c.Name = data.substr(5);
     if (in.nextIs(tag("INTV")))
         readV(in, c.INTVSize, c.INTV);
     else if (in.nextIs(tag("FLTV")))

@@ -17,9 +17,6 @@ void readGmst(ByteCursor& in, GmstRecord& r, RecordStore&) {
     });
 }
 
-namespace {
-
-// The game's own rules for a global's stored value.
 float globalValue(const GlobRecord& r, float v) {
     if (r.NAME == "ratskilled") return 0;
     if (r.FNAM == 's') {
@@ -30,16 +27,14 @@ float globalValue(const GlobRecord& r, float v) {
     return v;
 }
 
-} // namespace
-
 void readGlob(ByteCursor& in, GlobRecord& r, RecordStore&) {
     readRecord(in, r, [&](Tag t) {
         switch (t) {
         case tag("NAME"): readZ(in, r.NAMESize, r.NAME); return true;
         case tag("FNAM"): readV(in, r.FNAMSize, r.FNAM); return true;
         case tag("FLTV"):
-            readV(in, r.FLTVSize, r.FLTV);
-            r.FLTV = globalValue(r, r.FLTV);
+            readV(in, r.FLTVSize, r.FLTVStored);
+            r.FLTV = globalValue(r, r.FLTVStored);
             return true;
         case tag("DELE"): return readDele(in, r);
         default: return false;

@@ -30,6 +30,19 @@ template <std::size_t N> std::string fixedText(const Fixed<N>& f) {
 // zeros.
 template <std::size_t N> struct Padding {};
 
+// The bytes a block of fields takes in the file.
+template <std::size_t N> constexpr std::size_t fieldWidth(const Padding<N>&) {
+    return N;
+}
+template <class T> constexpr std::size_t fieldWidth(const T&) {
+    return sizeof(T);
+}
+template <class T, class Layout> constexpr std::size_t layoutWidth(const T& block, Layout layout) {
+    std::size_t width = 0;
+    layout(block, [&](const auto&... f) { ((width += fieldWidth(f)), ...); });
+    return width;
+}
+
 // An optional part of a record, made only when one of its fields is read; copied deeply.
 template <class T> class Boxed {
 public:
@@ -46,6 +59,8 @@ public:
         if (!p_) p_ = std::make_unique<T>();
         return *p_;
     }
+    // True when the part was made.
+    explicit operator bool() const { return p_ != nullptr; }
     // The part, or an empty one.
     const T& view() const {
         static const T empty{};
@@ -56,12 +71,29 @@ private:
     std::unique_ptr<T> p_;
 };
 
+// What a record read holds beyond the fields of its structure, so that it is written back as read.
+// A sub-record is named by its tag and its place among the record's sub-records of that tag.
+struct KeptSubRecord {
+    enum class Kind : std::uint8_t {
+        Tail,    // the bytes of a fixed-layout sub-record beyond the layout's fields
+        Empty,   // a sub-record of size 0
+        Foreign, // a whole sub-record the record's reader does not know, kept after the one named
+    };
+    Kind kind = Kind::Tail;
+    std::uint32_t tag = 0; // for Foreign, the sub-record it follows (0: it comes first)
+    std::uint32_t occurrence = 0;
+    std::string bytes; // Foreign: tag, size word and data
+};
+using KeptSubRecords = std::vector<KeptSubRecord>;
+
 struct RecordHeader {
     i32 Size = 0, Header1 = 0, Flags = 0;
     // Where the record's tag stands in the file read, to name it in messages.
     std::uint32_t Offset = 0;
     // The record carried a DELE sub-record: the editors delete records so, whatever the Flags say.
     bool Dele = false;
+    // Sub-records kept as bytes; made only for the records that have any.
+    Boxed<KeptSubRecords> Kept;
 };
 
 // ---- Parts several record types share ----

@@ -45,6 +45,10 @@ struct TravelDestination {
     std::string DNAM;
 };
 
+// The kinds of AI package, to keep the order an actor's packages were read in: the game runs them
+// in that order.
+enum class PackageKind : u8 { Wander, Travel, Escort, Follow, Activate };
+
 // The parts that NPC_ and CREA records share after their texts and statistics.
 struct ActorLists {
     i32 FLAGSize = 0;
@@ -59,6 +63,8 @@ struct ActorLists {
     std::vector<FollowPackage> Follow;
     std::vector<FollowPackage> Escort;
     std::vector<ActivatePackage> Activate;
+    // The kind of each package above, in file order.
+    std::vector<PackageKind> PackageOrder;
     // Every run in file order; the game's own actors hold at most four.
     std::vector<TravelDestination> Destinations;
     i32 INDXSize = 0;

@@ -2,6 +2,7 @@
 // Cells and the references placed in them.
 #include "records/record_parts.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,11 @@ struct ReferenceDetails {
     i32 DATA2Size = 0;
     std::array<float, 6> DATA2{};
     std::vector<std::string> SaveData; // each: the four-character tag, then the data
+    // The tags of the sub-records after FRMR, in the order read, where it is not the order they
+    // are written in otherwise (savegames): they are written back in this order.
+    std::vector<std::uint32_t> Order;
+    // The value of a DELE that is not the one the original editor writes (savegames).
+    std::optional<Bytes<4>> DELEValue;
 };
 
 // A large master holds hundreds of thousands of references: the fields every one has are kept

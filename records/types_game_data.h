@@ -19,6 +19,10 @@ struct GmstRecord : RecordHeader {
     float FLTV = 0;
 };
 
+struct GlobRecord;
+// The game's own rules for a global's stored value.
+float globalValue(const GlobRecord& r, float stored);
+
 struct GlobRecord : RecordHeader {
     i32 NAMESize = 0;
     std::string NAME;
@@ -26,6 +30,9 @@ struct GlobRecord : RecordHeader {
     char FNAM = 0;
     i32 FLTVSize = 0;
     float FLTV = 0;
+    // The value as the file holds it, before the game's rules: a short global of a savegame
+    // often holds stray bytes, written back as they were unless the value changed.
+    float FLTVStored = 0;
 };
 
 struct ClasRecord : RecordHeader {

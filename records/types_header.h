@@ -40,6 +40,8 @@ struct RawRecord : RecordHeader {
     // The record's bytes in the file the store was read from. Records of unknown type keep them
     // only for a repair: the format writes them as a bare header.
     std::string_view Data;
+    // A record of one of OpenMW's own types, read from its file: written with its data.
+    bool Whole = false;
 };
 
 } // namespace quillon

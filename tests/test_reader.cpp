@@ -64,7 +64,7 @@ TEST(ReadDialogue, TopicsStampTheirResponses) {
 TEST(ReadDialogue, InfoFieldsAndConditions) {
     Rec info("INFO", 0x20);
     info.z("INAM", "id1")
-        .subSized("DATA", 8, le32(4) + le32(30) + "\x01\x02\x03\x04") // always 12 bytes
+        .sub("DATA", le32(4) + le32(30)) // read by its size: the bytes it lacks read as zeros
         .z("ONAM", "fargoth")
         .text("NAME", std::string("Hello\0", 6))
         .sub("SCVR", scvr('0', '1', "50", '0'))
@@ -82,7 +82,7 @@ TEST(ReadDialogue, InfoFieldsAndConditions) {
     EXPECT_EQ(i.DATASize, 8);
     EXPECT_EQ(i.DialogueType, 4);
     EXPECT_EQ(i.Disposition, 30);
-    EXPECT_EQ(i.PCRank, 3);
+    EXPECT_EQ(i.PCRank, 0);
     EXPECT_EQ(i.NAME, std::string("Hello\0", 6)); // whole texts keep a trailing zero
     EXPECT_EQ(i.BNAM, std::string("Goodbye\0", 8));
     EXPECT_EQ(i.Conditions[0].INTV, 2);

@@ -25,8 +25,46 @@ std::string groupedNumber(std::int64_t n) {
     return n < 0 ? "-" + out : out;
 }
 
+std::uint32_t ByteSink::placeOf(Tag t) const {
+    std::uint32_t n = 0;
+    for (std::size_t at : subs_)
+        if (std::memcmp(out_.data() + at, &t, 4) == 0) ++n;
+    return n;
+}
+
+const KeptSubRecord* ByteSink::kept(KeptSubRecord::Kind kind, Tag t, std::uint32_t place) const {
+    if (!isOpen_ || !open_.record || !open_.record->Kept) return nullptr;
+    for (const KeptSubRecord& k : open_.record->Kept.view())
+        if (k.kind == kind && k.tag == t && k.occurrence == place) return &k;
+    return nullptr;
+}
+
+void ByteSink::writeForeign(bool atEnd) {
+    const KeptSubRecords& kept = open_.record->Kept.view();
+    for (bool wrote = true; wrote;) {
+        wrote = false;
+        Tag last = 0;
+        std::uint32_t lastPlace = 0;
+        if (!subs_.empty()) {
+            std::memcpy(&last, out_.data() + subs_.back(), 4);
+            lastPlace = placeOf(last) - 1;
+        }
+        for (std::size_t i = 0; i < kept.size(); ++i) {
+            const KeptSubRecord& k = kept[i];
+            if (foreignWritten_[i] || k.kind != KeptSubRecord::Kind::Foreign) continue;
+            if (!atEnd && (k.tag != last || k.occurrence != lastPlace)) continue;
+            foreignWritten_[i] = true;
+            subs_.push_back(out_.size());
+            text(k.bytes);
+            wrote = true;
+            break;
+        }
+    }
+}
+
 void ByteSink::closeRecord() {
     if (!isOpen_) return;
+    if (hasForeign_) writeForeign(true);
     isOpen_ = false;
     std::size_t end = out_.size(), length = end - open_.start, badSub = kNone;
     bool followWritten = repairing_ || (deletedForm_ && length - 16 <= std::size_t(INT32_MAX));

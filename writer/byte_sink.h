@@ -61,13 +61,21 @@ public:
         drain(kDrainAt);
         open_ = Open{out_.size(), t, r.Size, r.Offset, &r};
         isOpen_ = true;
+        foreignWritten_.clear();
+        hasForeign_ = false;
+        if (r.Kept)
+            for (const KeptSubRecord& k : r.Kept.view())
+                hasForeign_ = hasForeign_ || k.kind == KeptSubRecord::Kind::Foreign;
+        if (hasForeign_) foreignWritten_.assign(r.Kept.view().size(), false);
         tag(t);
         int32(r.Size);
         int32(r.Header1);
         int32(r.Flags);
     }
-    // A sub-record's tag and stored size word; its data run to the next sub-record.
+    // A sub-record's tag and stored size word; its data run to the next sub-record. Sub-records
+    // the record kept from its reader's view, due before this one, come first.
     void sub(Tag t, std::int32_t size) {
+        if (hasForeign_) writeForeign(false);
         subs_.push_back(out_.size());
         tag(t);
         int32(size);
@@ -75,37 +83,68 @@ public:
     // A zero-terminated text sub-record. One the record does not carry (size 0, no text) is not
     // invented: its terminator would be a byte that the record's stored Size does not count.
     void writeZ(Tag t, std::int32_t size, std::string_view s) {
-        if (size == 0 && s.empty()) return;
+        if (size == 0 && s.empty()) return writeEmptyIfRead(t);
         sub(t, size);
         text(s);
         byte(0);
     }
     // A text sub-record written without terminator.
     void writeU(Tag t, std::int32_t size, std::string_view s) {
+        if (size == 0 && s.empty()) return writeEmptyIfRead(t);
         sub(t, size);
         text(s);
     }
+    // A sub-record of a fixed layout width bytes wide, written as it was read: of another size,
+    // the fields write() writes are cut to that size or followed by the bytes read beyond them;
+    // an empty one is written only where the record had it.
+    template <class Write> void fixed(Tag t, std::int32_t size, std::size_t width, Write&& write) {
+        if (size > 0 && std::size_t(size) == width) {
+            sub(t, size);
+            write();
+            return;
+        }
+        if (size == 0) return writeEmptyIfRead(t);
+        std::uint32_t place = placeOf(t);
+        sub(t, size);
+        std::size_t start = out_.size();
+        write();
+        if (size > 0 && std::size_t(size) < width)
+            out_.resize(start + std::size_t(size));
+        else if (const KeptSubRecord* tail = kept(KeptSubRecord::Kind::Tail, t, place))
+            text(tail->bytes);
+    }
+    // A sub-record of a fixed head width bytes wide and a text filling the rest; a size below the
+    // head's cuts the head there, as it was read.
+    template <class Write>
+    void headed(Tag t, std::int32_t size, std::size_t width, Write&& writeHead, std::string_view rest) {
+        if (size == 0 && rest.empty()) return writeEmptyIfRead(t);
+        sub(t, size);
+        std::size_t start = out_.size();
+        writeHead();
+        if (size >= 0 && std::size_t(size) < width) out_.resize(start + std::size_t(size));
+        text(rest);
+    }
     // A sub-record holding one value or a data block of fixed width.
     template <class T> void writeV(Tag t, std::int32_t size, const T& v) {
-        sub(t, size);
-        value(v);
+        fixed(t, size, sizeof v, [&] { value(v); });
     }
     // A sub-record holding the fields a layout lists.
     template <class T, class Layout>
     void writeFields(Tag t, std::int32_t size, const T& block, Layout layout) {
-        sub(t, size);
-        layout(block, [&](const auto&... f) { this->fields(f...); });
+        fixed(t, size, layoutWidth(block, layout),
+              [&] { layout(block, [&](const auto&... f) { this->fields(f...); }); });
     }
-    // Optional sub-records are written when their size word is non-zero.
+    // Optional sub-records are written when their size word is non-zero, or empty where the
+    // record had them so.
     void writeZOpt(Tag t, std::int32_t size, std::string_view s) {
-        if (size != 0) writeZ(t, size, s);
+        if (size != 0) return writeZ(t, size, s);
+        writeEmptyIfRead(t);
     }
     void writeUOpt(Tag t, std::int32_t size, std::string_view s) {
-        if (size != 0) writeU(t, size, s);
+        if (size != 0) return writeU(t, size, s);
+        writeEmptyIfRead(t);
     }
-    template <class T> void writeVOpt(Tag t, std::int32_t size, const T& v) {
-        if (size != 0) writeV(t, size, v);
-    }
+    template <class T> void writeVOpt(Tag t, std::int32_t size, const T& v) { writeV(t, size, v); }
     // The deleted marker every writer emits the same way.
     void writeDele() {
         sub(quillon::tag("DELE"), 4);
@@ -129,6 +168,17 @@ private:
     };
     static constexpr std::size_t kDrainAt = 4 << 20;
     template <std::size_t N> void field(const Padding<N>&) { out_.append(N, '\0'); }
+    // The empty sub-record of that tag at the place it is next written, where the record read one.
+    void writeEmptyIfRead(Tag t) {
+        if (kept(KeptSubRecord::Kind::Empty, t, placeOf(t))) sub(t, 0);
+    }
+    // How many sub-records of that tag the open record has written so far.
+    std::uint32_t placeOf(Tag t) const;
+    // What the open record kept of that kind for the sub-record of that tag and place, or null.
+    const KeptSubRecord* kept(KeptSubRecord::Kind kind, Tag t, std::uint32_t place) const;
+    // Writes the kept foreign sub-records that follow the last one written (all that are left
+    // when the record ends), each where it stood.
+    void writeForeign(bool atEnd);
     template <class T> void field(const T& f) { value(f); }
     void closeRecord();
     // Hands the finished bytes to the drain once at least atLeast of them are waiting.
@@ -147,8 +197,10 @@ private:
     bool repairable_ = true;
     Open open_;
     bool isOpen_ = false;
-    bool deletedForm_ = false;      // the open record is written in its deleted form
-    std::vector<std::size_t> subs_; // where each sub-record of the open record starts
+    bool deletedForm_ = false;         // the open record is written in its deleted form
+    std::vector<std::size_t> subs_;    // where each sub-record of the open record starts
+    bool hasForeign_ = false;          // the open record kept sub-records its reader did not know
+    std::vector<bool> foreignWritten_; // which of its kept sub-records are written
     std::string cause_, id_;
     std::vector<DamagedRecord> damaged_;
 };

@@ -1,5 +1,6 @@
 #include "writer/es_write.h"
 
+#include "records/es_read.h"
 #include "writer/safe_file.h"
 #include "writer/write_common.h"
 
@@ -36,6 +37,7 @@ std::size_t estimatedSize(RecordStore& store) {
 } // namespace
 
 std::int32_t fileTypeFor(const std::string& path) {
+    if (hasOpenMWFileName(path)) return kFileTypeAsRead;
     std::string ext = upperExtension(path);
     if (ext == "ESM") return 1;
     if (ext == "ESS") return 32;

@@ -17,7 +17,9 @@ struct WriteResult {
     std::string error; // what went wrong when Failed
 };
 
-// The header's file type for a target name: 1 for ESM, 32 for ESS, 0 otherwise.
+// The header's file type for a target name: 1 for ESM, 32 for ESS, kFileTypeAsRead for OpenMW's
+// names (whose header keeps the type it was read with), 0 otherwise.
+inline constexpr std::int32_t kFileTypeAsRead = -1;
 std::int32_t fileTypeFor(const std::string& path);
 
 // The bytes of a whole store and the records among them that would be damaged.

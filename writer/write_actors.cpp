@@ -22,20 +22,52 @@ void writeInventoryAndSpells(ByteSink& out, const ActorLists& a) {
         writeSpell(out, e);
 }
 
-// Destinations and packages; escort packages are written before follow packages.
+// Destinations, then the packages in the order they were read (the game runs them in that order);
+// packages beyond that order, of an actor made or grown here, follow by kind.
 void writeTravelAndPackages(ByteSink& out, const ActorLists& a) {
     for (const TravelDestination& d : a.Destinations)
         writeDestination(out, d);
-    for (const WanderPackage& p : a.Wander)
-        out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander);
-    for (const TravelPackage& p : a.Travel)
-        out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel);
-    for (const FollowPackage& p : a.Escort)
-        writeFollow(out, tag("AI_E"), p);
-    for (const FollowPackage& p : a.Follow)
-        writeFollow(out, tag("AI_F"), p);
-    for (const ActivatePackage& p : a.Activate)
-        out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate);
+    std::size_t wander = 0, travel = 0, escort = 0, follow = 0, activate = 0;
+    auto writeNext = [&](PackageKind kind) {
+        switch (kind) {
+        case PackageKind::Wander:
+            if (wander < a.Wander.size()) {
+                const WanderPackage& p = a.Wander[wander++];
+                out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander);
+            }
+            break;
+        case PackageKind::Travel:
+            if (travel < a.Travel.size()) {
+                const TravelPackage& p = a.Travel[travel++];
+                out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel);
+            }
+            break;
+        case PackageKind::Escort:
+            if (escort < a.Escort.size()) writeFollow(out, tag("AI_E"), a.Escort[escort++]);
+            break;
+        case PackageKind::Follow:
+            if (follow < a.Follow.size()) writeFollow(out, tag("AI_F"), a.Follow[follow++]);
+            break;
+        case PackageKind::Activate:
+            if (activate < a.Activate.size()) {
+                const ActivatePackage& p = a.Activate[activate++];
+                out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate);
+            }
+            break;
+        }
+    };
+    for (PackageKind kind : a.PackageOrder)
+        writeNext(kind);
+    while (wander < a.Wander.size())
+        writeNext(PackageKind::Wander);
+    while (travel < a.Travel.size())
+        writeNext(PackageKind::Travel);
+    while (escort < a.Escort.size())
+        writeNext(PackageKind::Escort);
+    while (follow < a.Follow.size())
+        writeNext(PackageKind::Follow);
+    while (activate < a.Activate.size())
+        writeNext(PackageKind::Activate);
 }
 
 // The header and NAME; false for a deleted actor, which has nothing more.

@@ -13,11 +13,10 @@ void writeDial(ByteSink& out, const DialRecord& r, WriteState& state) {
     state.store.CurrentTopic = r.NAME;
     out.header(tag("DIAL"), r);
     out.writeZ(tag("NAME"), r.NAMESize, r.NAME);
-    out.sub(tag("DATA"), r.DATASize);
-    if (r.DATASize == 4)
-        out.int32(0); // the four bytes deleted topics carry
-    else
-        out.byte(r.DATA);
+    // The four bytes deleted topics carry are written as read.
+    out.fixed(tag("DATA"), r.DATASize, r.DATASize == 4 ? 0 : 1, [&] {
+        if (r.DATASize != 4) out.byte(r.DATA);
+    });
     out.writeVOpt(tag("XIDX"), r.XIDXSize, r.XIDX);
     if (isDeleted(r)) out.writeDeletedForm(); // a deleted topic keeps NAME and DATA; DELE comes last
     // The topic match is exact, letter case included: two topics of one NAME both get every
@@ -35,16 +34,16 @@ void writeInfo(ByteSink& out, const InfoRecord& r) {
     out.header(tag("INFO"), r);
     out.writeZ(tag("INAM"), r.INAMSize, r.INAM);
     if (isDeleted(r)) {
-        if (r.PNAMSize > 0) out.writeZ(tag("PNAM"), r.PNAMSize, r.PNAM);
-        if (r.NNAMSize > 0) out.writeZ(tag("NNAM"), r.NNAMSize, r.NNAM);
+        if (r.PNAMSize >= 0) out.writeZOpt(tag("PNAM"), r.PNAMSize, r.PNAM);
+        if (r.NNAMSize >= 0) out.writeZOpt(tag("NNAM"), r.NNAMSize, r.NNAM);
         out.writeUOpt(tag("NAME"), r.NAMESize, r.NAME);
         out.writeDeletedForm();
         return;
     }
-    // XIDX, PNAM and NNAM need a size above 0; every other optional sub-record any non-zero size.
-    if (r.XIDXSize > 0) out.writeV(tag("XIDX"), r.XIDXSize, r.XIDX);
-    if (r.PNAMSize > 0) out.writeZ(tag("PNAM"), r.PNAMSize, r.PNAM);
-    if (r.NNAMSize > 0) out.writeZ(tag("NNAM"), r.NNAMSize, r.NNAM);
+    // XIDX, PNAM and NNAM need a size of 0 or more; every other optional sub-record any size.
+    if (r.XIDXSize >= 0) out.writeVOpt(tag("XIDX"), r.XIDXSize, r.XIDX);
+    if (r.PNAMSize >= 0) out.writeZOpt(tag("PNAM"), r.PNAMSize, r.PNAM);
+    if (r.NNAMSize >= 0) out.writeZOpt(tag("NNAM"), r.NNAMSize, r.NNAM);
     out.writeFields(tag("DATA"), r.DATASize, r, layout::responseData);
     out.writeZOpt(tag("ONAM"), r.ONAMSize, r.ONAM);
     out.writeZOpt(tag("RNAM"), r.RNAMSize, r.RNAM);
@@ -57,18 +56,18 @@ void writeInfo(ByteSink& out, const InfoRecord& r) {
     out.writeVOpt(tag("QSTN"), r.QSTNSize, r.QSTN);
     out.writeVOpt(tag("QSTF"), r.QSTFSize, r.QSTF);
     out.writeVOpt(tag("QSTR"), r.QSTRSize, r.QSTR);
-    // Empty slots are skipped, not compacted; a slot carries one value, INTV before FLTV.
+    // A slot carries one value, INTV before FLTV.
     for (const InfoCondition& c : r.Conditions) {
-        if (c.SCVRSize == 0) continue;
-        out.writeFields(tag("SCVR"), c.SCVRSize, c, layout::conditionHead);
-        out.text(c.Name);
+        out.headed(
+            tag("SCVR"), c.SCVRSize, layoutWidth(c, layout::conditionHead),
+            [&] { layout::conditionHead(c, [&](const auto&... f) { out.fields(f...); }); }, c.Name);
         if (c.INTVSize != 0)
             out.writeV(tag("INTV"), c.INTVSize, c.INTV);
         else if (c.FLTVSize != 0)
             out.writeV(tag("FLTV"), c.FLTVSize, c.FLTV);
     }
     out.writeUOpt(tag("BNAM"), r.BNAMSize, r.BNAM);
-    // ACDT is never written back.
+    out.writeZOpt(tag("ACDT"), r.ACDTSize, r.ACDT); // savegames carry it; nothing read is dropped
 }
 
 } // namespace quillon

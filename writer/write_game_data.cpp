@@ -1,5 +1,7 @@
 #include "writer/write_common.h"
 
+#include <cstring>
+
 namespace quillon {
 
 namespace {
@@ -36,7 +38,10 @@ void writeGmst(ByteSink& out, const GmstRecord& r, WriteState&) {
 void writeGlob(ByteSink& out, const GlobRecord& r, WriteState&) {
     writeNamed(out, tag("GLOB"), r, [&] {
         out.writeV(tag("FNAM"), r.FNAMSize, r.FNAM);
-        out.writeV(tag("FLTV"), r.FLTVSize, r.FLTV);
+        // The stored bytes stand while they still give the value; "ratskilled" is written as 0.
+        float stored = r.FLTVStored, value = r.FLTV, taken = globalValue(r, stored);
+        bool unchanged = std::memcmp(&taken, &value, sizeof value) == 0 && r.NAME != "ratskilled";
+        out.writeV(tag("FLTV"), r.FLTVSize, unchanged ? stored : value);
     });
 }
 
@@ -102,7 +107,7 @@ void writeMgef(ByteSink& out, const MgefRecord& r, WriteState&) {
     });
 }
 
-void writeScpt(ByteSink& out, const ScptRecord& r, WriteState& state) {
+void writeScpt(ByteSink& out, const ScptRecord& r, WriteState&) {
     out.header(tag("SCPT"), r);
     out.writeFields(tag("SCHD"), r.SCHDSize, r, layout::scriptHeader);
     // Only a script that carried DELE has a deleted form, the one OpenMW-CS writes; the flags
@@ -122,8 +127,7 @@ void writeScpt(ByteSink& out, const ScptRecord& r, WriteState& state) {
         }
     }
     out.writeUOpt(tag("SCDT"), r.SCDTSize, r.SCDT);
-    // Every script but a savegame's carries its source, even an empty one.
-    if (state.fileType != 32 || r.SCTXSize != 0) out.writeU(tag("SCTX"), r.SCTXSize, r.SCTX);
+    out.writeUOpt(tag("SCTX"), r.SCTXSize, r.SCTX);
     out.writeUOpt(tag("SLCS"), r.SLCSSize, r.SLCS);
     out.writeUOpt(tag("SLSD"), r.SLSDSize, r.SLSD);
     out.writeUOpt(tag("SLFD"), r.SLFDSize, r.SLFD);

@@ -1,3 +1,4 @@
+#include "writer/es_write.h"
 #include "writer/write_common.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@ namespace quillon {
 void writeTes3(ByteSink& out, const Tes3Record& r, WriteState& state) {
     out.header(tag("TES3"), r);
     Tes3Record written = r;
-    written.FileType = state.fileType;          // by the target's extension; the stored type is ignored
+    if (state.fileType != kFileTypeAsRead) written.FileType = state.fileType; // by the target's extension
     written.NumRecords = state.recordCount - 1; // the header does not count itself
     out.writeFields(tag("HEDR"), r.HEDRSize, written, layout::fileHeader);
     if (isDeleted(r)) {
@@ -53,7 +54,7 @@ void writeRaw(ByteSink& out, const RawRecord& r, WriteState&) {
 
 void writeUnknown(ByteSink& out, const RawRecord& r) {
     out.header(rawTag(r), r);
-    if (out.repairing()) {
+    if (out.repairing() || r.Whole) {
         out.raw(r.Data.data(), r.Data.size());
         return;
     }
