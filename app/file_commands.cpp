@@ -10,11 +10,14 @@ namespace quillon {
 
 const char* const kOpenDataFilter =
     "Elder Scrolls Data File (*.ESP, *.ESM, *.ESS, *.ESD)|*.ESM;*.ESP;*.ESS;*.ESD|Elder Scrolls Master File "
-    "(*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File (*.ESS)|*.ESS| All Files "
-    "(*.*)| *.*";
-const char* const kSaveDataFilter = "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File "
-                                    "(*.ESP)|*.ESP|Elder Scrolls Save File "
-                                    "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD| All Files (*.*)| *.*";
+    "(*.ESM)|*.ESM;|Elder Scrolls Plugin File (*.ESP)|*.ESP|Elder Scrolls Save File (*.ESS)|*.ESS|OpenMW "
+    "Content "
+    "File (*.OMWADDON, *.OMWGAME)|*.OMWADDON;*.OMWGAME| All Files (*.*)| *.*";
+const char* const kSaveDataFilter =
+    "Elder Scrolls Master File (*.ESM)|*.ESM;|Elder Scrolls Plugin File "
+    "(*.ESP)|*.ESP|Elder Scrolls Save File "
+    "(*.ESS)|*.ESS|Elder Scrolls Module (*.ESD)|*.ESD|OpenMW Addon "
+    "(*.OMWADDON)|*.OMWADDON|OpenMW Game (*.OMWGAME)|*.OMWGAME| All Files (*.*)| *.*";
 
 namespace {
 
@@ -61,8 +64,14 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         session.log.LogLine("-Failed reading \"" + name + "\".");
     } else {
         std::int32_t expected = session.store.TES3.empty() ? 0 : session.store.TES3.front().NumRecords;
-        std::string line = "-Read " + std::to_string(recordCount) + " records from \"" + name +
-                           "\" successfully in " + formatSeconds(ms) + " seconds.";
+        // A read that lost records says so rather than "successfully".
+        bool lost = ms > 0 && std::size_t(recordCount) < diagnostics.recordsInFile;
+        std::string line = lost ? "-Read " + std::to_string(recordCount) + " of the " +
+                                      std::to_string(diagnostics.recordsInFile) + " records in \"" + name +
+                                      "\" in " + formatSeconds(ms) +
+                                      " seconds; the rest were lost to a damaged record."
+                                : "-Read " + std::to_string(recordCount) + " records from \"" + name +
+                                      "\" successfully in " + formatSeconds(ms) + " seconds.";
         // The count read includes the header; the header's own count does not.
         if (recordCount - 1 != expected)
             line += " File should contain " + std::to_string(expected) + " record(s).";

@@ -31,7 +31,9 @@ std::string dialogueText(const std::vector<InfoRecord>& infos) {
 } // namespace
 
 Outcome reportExportError(Session& session, Dialogs& dialogs) {
-    dialogs.tell("The operation encountered an error.", Icon::None);
+    dialogs.tell("The operation encountered an error: \"" + bareName(session.currentPath) +
+                     "\" holds no dialogue responses.",
+                 Icon::None);
     session.log.LogLine("-An error occured during dialogue exporting.");
     return Outcome::failed("the file holds no dialogue responses");
 }
@@ -50,17 +52,17 @@ Outcome ExportDialogue(Session& session, Dialogs& dialogs) {
 
 Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path, TextEncoding encoding) {
     const std::vector<InfoRecord>& infos = session.store.INFO;
-    bool none = infos.empty() || infos.front().INAMSize == 0;
-    std::string text = none ? std::string() : dialogueText(infos);
-    if (encoding == TextEncoding::Utf8) text = toUtf8(text);
+    // Nothing to export: no file is left behind, and the message says why.
+    if (infos.empty() || infos.front().INAMSize == 0) return reportExportError(session, dialogs);
+    std::string text = dialogueText(infos);
+    // The mark tells the import that the text is UTF-8, however its bytes might also read.
+    if (encoding == TextEncoding::Utf8) text = "\xEF\xBB\xBF" + toUtf8(text);
     std::string error = replaceFileSafely(path, text);
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         session.log.LogLine("-An error occured during dialogue exporting.");
         return Outcome::failed(error);
     }
-    // The text file exists (empty) when there is nothing to export.
-    if (none) return reportExportError(session, dialogs);
     session.log.LogLine("-Exported " + std::to_string(infos.size()) + " responses from \"" +
                         bareName(session.currentPath) + "\" successfully.");
     return Outcome::done();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <unordered_set>
 
 namespace quillon {
 
@@ -58,6 +59,51 @@ std::string collapseDoubledQuotes(const std::string& text) {
         if (text[i] == '"' && i + 1 < text.size() && text[i + 1] == '"') ++i;
     }
     return out;
+}
+
+std::string withCrLf(const std::string& text) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 16);
+    for (char c : text) {
+        if (c == '\n') out += '\r';
+        out += c;
+    }
+    return out;
+}
+
+bool hasHighBytes(std::string_view line) {
+    return std::any_of(line.begin(), line.end(),
+                       [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
+// Whether a text file without a byte-order mark is UTF-8 (an editor's save) or the code page's
+// bytes (the export as written), when both could be: the code page's bytes can form valid UTF-8
+// ("Ã©" in code page 1252), so each line beyond ASCII is matched against the store's own lines
+// read both ways, and the reading that matches more lines wins.
+bool readsAsUtf8(const std::string& bytes, const std::vector<InfoRecord>& infos) {
+    if (!looksLikeUtf8(bytes)) return false;
+    std::unordered_set<std::string> own;
+    for (const InfoRecord& r : infos)
+        for (const std::string* field : {&r.INAM, &r.Topic, &r.ONAM, &r.NAME}) {
+            if (!hasHighBytes(*field)) continue;
+            std::string quoted = '"' + *field + '"';
+            for (std::size_t at = 0; at <= quoted.size();) {
+                std::size_t end = std::min(quoted.find("\r\n", at), quoted.size());
+                own.insert(quoted.substr(at, end - at));
+                at = end + 2;
+            }
+        }
+    std::size_t asCodePage = 0, asUtf8 = 0;
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::size_t end = std::min(bytes.find("\r\n", at), bytes.size());
+        std::string line = bytes.substr(at, end - at), converted;
+        at = end + 2;
+        if (!hasHighBytes(line)) continue;
+        if (own.count(line)) ++asCodePage;
+        char32_t missing = 0;
+        if (fromUtf8(line, converted, missing) && own.count(converted)) ++asUtf8;
+    }
+    return asUtf8 >= asCodePage;
 }
 
 class Import {
@@ -182,11 +228,12 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
         return reportImportError(session, dialogs,
                                  "\"" + bareName(session.currentPath) +
                                      "\" holds no dialogue responses to import into.");
-    // A file saved by an editor as UTF-8 (with a byte-order mark, or valid UTF-8 beyond ASCII) is
-    // read as such; anything else is the code page's bytes, as the export wrote them.
+    // An editor that saved the export with LF line ends: the export's own are CR LF.
+    if (bytes.find('\r') == std::string::npos && bytes.find('\n') != std::string::npos)
+        bytes = withCrLf(bytes);
     bool bom = bytes.rfind("\xEF\xBB\xBF", 0) == 0;
     if (bom) bytes.erase(0, 3);
-    bool utf8 = bom || looksLikeUtf8(bytes);
+    bool utf8 = bom || readsAsUtf8(bytes, session.store.INFO);
     Import import(session, dialogs, removeLineBreaks, std::move(bytes), utf8);
     try {
         import.run();

@@ -28,7 +28,11 @@ enum TypeIndex : std::size_t {
 #undef QUILLON_INDEX
         kTypes
 };
-using TypeCounts = std::array<std::size_t, kTypes>;
+// The records of each type, and of all types (unknown ones and a last one cut short included).
+struct TypeCounts {
+    std::array<std::size_t, kTypes> byType{};
+    std::size_t total = 0;
+};
 
 // Hands back the pages of a mapped file a walk has passed, a release step at a time, once it is
 // past the first keepSteps steps: the records point into the file, but its bytes need not stay in
@@ -80,7 +84,7 @@ TypeCounts countRecords(const SourceBytes& source) {
         switch (t) {
 #define QUILLON_COUNT(T, Record, ...)                                                                        \
     case tag(#T):                                                                                            \
-        ++counts[k##T];                                                                                      \
+        ++counts.byType[k##T];                                                                               \
         structures += sizeof(Record);                                                                        \
         break;
             QUILLON_RECORD_TYPES(QUILLON_COUNT)
@@ -88,6 +92,7 @@ TypeCounts countRecords(const SourceBytes& source) {
         default: structures += sizeof(RawRecord); break; // kept as a record of unknown type
         }
         if (structures > budget) throw std::bad_alloc();
+        ++counts.total;
         if (std::size_t(size) > bytes.size() - p - 16) break; // the last record, cut short
         p += 16 + std::size_t(size);
     }
@@ -96,7 +101,7 @@ TypeCounts countRecords(const SourceBytes& source) {
 
 // Sizes every array at once, so that they do not grow by copying while the file is read.
 void reserveArrays(RecordStore& store, const TypeCounts& counts) {
-#define QUILLON_RESERVE(T, ...) store.T.reserve(counts[k##T]);
+#define QUILLON_RESERVE(T, ...) store.T.reserve(counts.byType[k##T]);
     QUILLON_RECORD_TYPES(QUILLON_RESERVE)
 #undef QUILLON_RESERVE
 }
@@ -219,6 +224,7 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
         ++recordCount;
     }
     if (diagnostics) {
+        diagnostics->recordsInFile = counts.total;
         diagnostics->truncated = in.endsInsideRecord();
         if (diagnostics->truncated) diagnostics->truncatedRecordAt = in.lastRecordStart();
     }

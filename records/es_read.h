@@ -13,6 +13,9 @@ struct ReadDiagnostics {
     std::string loadError;
     bool truncated = false;
     std::size_t truncatedRecordAt = 0; // where the record the file ends inside begins
+    // The records a walk of the file's size words finds: a read that derails at a damaged record
+    // reads fewer.
+    std::size_t recordsInFile = 0;
 };
 
 // Reads the whole data file at path into store. Returns the milliseconds spent (less the time the

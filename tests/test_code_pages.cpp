@@ -79,9 +79,10 @@ TEST(CodePages, CyrillicDialogueThroughAUtf8Editor) {
     openPath(s, d, path);
     ASSERT_TRUE(exportDialogueTo(s, d, dir.file("d.txt"), TextEncoding::Utf8).isDone());
     std::string text = readAll(dir.file("d.txt"));
+    ASSERT_EQ(text.rfind("\xEF\xBB\xBF", 0), 0u); // the mark that says UTF-8
     ASSERT_NE(text.find("Привет"), std::string::npos);
     text.replace(text.find("Привет"), std::string("Привет").size(), "ПРИВЕТ");
-    EXPECT_TRUE(importDialogueFrom(s, d, dir.write("e.txt", "\xEF\xBB\xBF" + text)).isDone());
+    EXPECT_TRUE(importDialogueFrom(s, d, dir.write("e.txt", text)).isDone());
     EXPECT_EQ(lastLog(s), "-Imported 1 responses to \"ru.esp\" successfully.");
     ASSERT_TRUE(saveAsPath(s, d, dir.file("out.esp")).isDone());
     Session plain;

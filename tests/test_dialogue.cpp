@@ -69,8 +69,10 @@ TEST(ExportDialogue, FourQuotedLinesPerResponse) {
     EXPECT_EQ(f.lastLog(), "-Exported 2 responses from \"d.esp\" successfully.");
 
     Fixture empty({});
-    EXPECT_EQ(empty.exported(), "");
-    EXPECT_EQ(empty.dialogs.messages.back(), "The operation encountered an error.");
+    empty.exported();
+    EXPECT_FALSE(std::filesystem::exists(empty.dir.file("out.txt"))); // no file is left behind
+    EXPECT_EQ(empty.dialogs.messages.back(),
+              "The operation encountered an error: \"d.esp\" holds no dialogue responses.");
     EXPECT_EQ(empty.lastLog(), "-An error occured during dialogue exporting.");
 
     empty.dialogs.savePaths = {""};
