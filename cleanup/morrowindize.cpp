@@ -3,6 +3,7 @@
 #include "app/parallel.h"
 #include "app/text.h"
 #include "cleanup/text_rules.h"
+#include "records/response_text.h"
 
 #include <algorithm>
 #include <vector>
@@ -52,12 +53,9 @@ void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToA
                 text = original;
             }
         }
-        auto growth = std::int32_t(text.size()) - std::int32_t(original.size());
-        r.Size += growth;
-        r.NAMESize += growth;
         // A change of letter case alone keeps the new text but is not counted.
         if (!equalsIgnoreCase(text, original)) ++changed;
-        r.NAME = std::move(text);
+        setResponseText(r, std::move(text));
     }
 }
 

@@ -2,6 +2,7 @@
 #include "app/text.h"
 #include "dialogue/dialogue_commands.h"
 #include "records/es_read.h"
+#include "records/response_text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -141,11 +142,10 @@ private:
             text += separator_ + line();
         text = collapseDoubledQuotes(unquote(text));
         if (text.size() > kMaxResponse) text = fitLongText(r, text);
-        adjustSizes(r, text);
         if (text.empty() && !r.NAME.empty())
             s_.store.editNotes[&r] = "response text emptied by the import: its size still counts the text's "
                                      "sub-record, which is no longer written";
-        r.NAME = std::move(text);
+        setResponseText(r, std::move(text));
         if (last) {
             s_.log.LogLine("-Imported " + std::to_string(s_.store.INFO.size()) + " responses to \"" +
                            bareName(s_.currentPath) + "\" successfully.");
@@ -169,20 +169,6 @@ private:
         }
         if (text.size() > kMaxResponse) text.resize(kMaxResponse);
         return text;
-    }
-
-    // The stored sizes follow the text's length. The +8 for a record that had no text is tested
-    // after the size has grown, so it never applies to a non-empty text; the order is intended.
-    static void adjustSizes(InfoRecord& r, const std::string& text) {
-        auto before = std::int32_t(r.NAME.size()), after = std::int32_t(text.size());
-        if (after < before) {
-            r.Size -= before - after;
-            r.NAMESize -= before - after;
-        } else if (after > before) {
-            r.Size += after - before;
-            r.NAMESize += after - before;
-            if (r.NAME.empty() && r.NAMESize == 0) r.Size += 8;
-        }
     }
 
     Session& s_;

@@ -3,6 +3,7 @@
 #include "app/encoding.h"
 #include "app/session.h"
 #include "app/text.h"
+#include "records/response_text.h"
 #include "script/script_reader.h"
 
 #include <cctype>
@@ -161,9 +162,7 @@ void applyTranslation(RecordStore& store, const std::vector<PoEntry>& po, Transl
     if (!report.refused.empty()) return;
 
     for (auto& [r, bytes] : texts) {
-        grow(*r, r->NAMESize, std::int64_t(bytes.size()) - std::int64_t(r->NAME.size()));
-        if (r->NAME.empty() && r->NAMESize == std::int32_t(bytes.size())) r->Size += 8; // a NAME it lacked
-        r->NAME = std::move(bytes);
+        setResponseText(*r, std::move(bytes));
         ++report.applied;
     }
     for (DialRecord& d : store.DIAL) {

@@ -7,6 +7,7 @@
 #include "cleanup/text_rules.h"
 #include "dialogue/result_scripts.h"
 #include "records/es_read.h"
+#include "records/response_text.h"
 #include "workbench/script_findings.h"
 #include "workbench/spelling.h"
 #include "writer/byte_sink.h"
@@ -195,11 +196,7 @@ Outcome CheckDialogue(Session& session, Dialogs& dialogs, SpellChecker* spelling
         InfoRecord& r = session.store.INFO.at(findings.at(i).info);
         std::string text =
             dialogs.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, r.NAME);
-        // The sizes follow the text, as the clean-up's do.
-        auto growth = std::int32_t(text.size()) - std::int32_t(r.NAME.size());
-        r.Size += growth;
-        r.NAMESize += growth;
-        r.NAME = std::move(text);
+        setResponseText(r, std::move(text));
         return r.NAME;
     });
     return Outcome::done();
