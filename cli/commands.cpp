@@ -112,6 +112,8 @@ Every command that saves a data file (save, import-dialogue, morrowindize) takes
   --force                          write such records as the format's rules give them, damaged
   Without either, damaged output is refused: nothing is written, the records are listed, exit 1.
 "--" ends the options, so that a file named "-x.esp" can be given.
+FILE is a data file: .esm, .esp, .ess, .esd, or OpenMW's .omwaddon and .omwgame (which must begin
+with a TES3 header; their header keeps its file type, and records of OpenMW's own types are kept).
 Log lines go to standard error. Exit status: 0 success, 1 failure, 2 bad usage.
 )";
 
