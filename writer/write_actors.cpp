@@ -28,31 +28,29 @@ void writeTravelAndPackages(ByteSink& out, const ActorLists& a) {
     for (const TravelDestination& d : a.Destinations)
         writeDestination(out, d);
     std::size_t wander = 0, travel = 0, escort = 0, follow = 0, activate = 0;
+    // The next package of one list, if it has one left.
+    auto next = [](const auto& list, std::size_t& at, auto&& write) {
+        if (at < list.size()) write(list[at++]);
+    };
     auto writeNext = [&](PackageKind kind) {
         switch (kind) {
         case PackageKind::Wander:
-            if (wander < a.Wander.size()) {
-                const WanderPackage& p = a.Wander[wander++];
-                out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander);
-            }
+            next(a.Wander, wander,
+                 [&](const auto& p) { out.writeFields(tag("AI_W"), p.AI_WSize, p, layout::wander); });
             break;
         case PackageKind::Travel:
-            if (travel < a.Travel.size()) {
-                const TravelPackage& p = a.Travel[travel++];
-                out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel);
-            }
+            next(a.Travel, travel,
+                 [&](const auto& p) { out.writeFields(tag("AI_T"), p.AI_TSize, p, layout::travel); });
             break;
         case PackageKind::Escort:
-            if (escort < a.Escort.size()) writeFollow(out, tag("AI_E"), a.Escort[escort++]);
+            next(a.Escort, escort, [&](const auto& p) { writeFollow(out, tag("AI_E"), p); });
             break;
         case PackageKind::Follow:
-            if (follow < a.Follow.size()) writeFollow(out, tag("AI_F"), a.Follow[follow++]);
+            next(a.Follow, follow, [&](const auto& p) { writeFollow(out, tag("AI_F"), p); });
             break;
         case PackageKind::Activate:
-            if (activate < a.Activate.size()) {
-                const ActivatePackage& p = a.Activate[activate++];
-                out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate);
-            }
+            next(a.Activate, activate,
+                 [&](const auto& p) { out.writeFields(tag("AI_A"), p.AI_ASize, p, layout::activate); });
             break;
         }
     };
