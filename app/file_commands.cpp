@@ -190,19 +190,16 @@ Outcome SaveAs(Session& session, Dialogs& dialogs) {
 }
 
 Outcome saveAsPath(Session& session, Dialogs& dialogs, const std::string& path) {
-    // The chosen file is created (empty) before writing, as an open-and-close would. Anything but
-    // an ordinary file is left alone (opening a pipe would block); the write then refuses it.
-    std::error_code ec;
-    std::filesystem::file_status status = std::filesystem::status(path, ec);
-    if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status))
-        if (std::FILE* f = std::fopen(path.c_str(), "ab")) std::fclose(f);
-    // The full path rather than the bare title: a later Save must reach the same file whatever
-    // the working folder is.
-    session.currentPath = path;
+    // Nothing is created before the new content exists, and the window's file changes only when
+    // the save succeeded: a refused or failed Save As leaves no empty file and no new target.
     session.log.LogLine("-Writing \"" + bareName(path) + "\"...");
     dialogs.refreshLog();
     session.openFolder = folderOf(path);
-    return writeAndReport(session, dialogs, path, "-Nothing has been written.");
+    Outcome outcome = writeAndReport(session, dialogs, path, "-Nothing has been written.");
+    // The full path rather than the bare title: a later Save must reach the same file whatever
+    // the working folder is.
+    if (outcome.isDone()) session.currentPath = path;
+    return outcome;
 }
 
 } // namespace quillon

@@ -135,7 +135,7 @@ TEST(Save, FullDiskKeepsTheOldFileAndSaysSo) {
     EXPECT_NE(d.messages.back().find("could not be written"), std::string::npos);
 }
 
-TEST(SaveAs, CreatesTheFileAndMakesItCurrent) {
+TEST(SaveAs, MakesTheFileCurrentOnlyOnceWritten) {
     TempDir dir;
     Session s;
     ScriptedDialogs d;
@@ -147,13 +147,16 @@ TEST(SaveAs, CreatesTheFileAndMakesItCurrent) {
     EXPECT_EQ(d.fileRequests.back().flags, 2u);
     EXPECT_EQ(logLines(s).back(),
               "-Finished writing \"b.ess\" in 0.000 seconds. 2 records have been written.");
-    EXPECT_TRUE(std::filesystem::exists(dir.file("b.ess")));
-    EXPECT_EQ(readAll(dir.file("b.ess")), ""); // created empty, nothing written
-    EXPECT_EQ(s.currentPath, dir.file("b.ess"));
+    EXPECT_FALSE(std::filesystem::exists(dir.file("b.ess"))); // declined: no empty file is left
+    EXPECT_EQ(s.currentPath, dir.file("a.esp"));
+    d.savePaths = {dir.file("c.esp")};
+    EXPECT_TRUE(SaveAs(s, d));
+    EXPECT_EQ(s.currentPath, dir.file("c.esp"));
 
-    d.savePaths = {dir.file("/no/such/folder/c.esp")};
+    d.savePaths = {dir.file("/no/such/folder/d.esp")};
     EXPECT_FALSE(SaveAs(s, d));
     EXPECT_EQ(logLines(s).back(), "-Nothing has been written.");
+    EXPECT_EQ(s.currentPath, dir.file("c.esp")); // a failed Save As keeps the file it had
 }
 
 TEST(Counts, CaptionsAndSavegameLabels) {
