@@ -188,7 +188,8 @@ private:
             // Bytes or text: those that are there, zeros past the end.
             std::size_t have = sizeof f < remaining() ? sizeof f : remaining();
             std::memset(f.data(), 0, sizeof f);
-            std::memcpy(f.data(), data_ + pos_, have);
+            if (have != 0) // the data may be null when nothing is left
+                std::memcpy(f.data(), data_ + pos_, have);
             take(sizeof f);
         } else if (sizeof f <= remaining())
             raw(f.data(), sizeof f); // numbers, all there: at once
