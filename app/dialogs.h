@@ -26,9 +26,16 @@ struct FileRequest {
     std::string filter;  // "description|pattern|description|pattern..."
     int filterIndex = 1; // 1-based
     std::string initialFolder;
-    std::string defaultExtension;
+    std::string defaultExtension; // ".esp"; what a name typed without one gets under "All Files"
     unsigned flags = 0;
 };
+
+// The extension (".esm", lower case) that a name typed without one gets when the filter at index
+// (1-based) is chosen: its first pattern's, or fallback for a pattern of every file.
+std::string filterExtension(const std::string& filter, int index, const std::string& fallback);
+// The 1-based index of the first filter whose patterns take extension (".ESP" or ".esp"); 0 when
+// none does.
+int filterIndexOf(const std::string& filter, const std::string& extension);
 
 // What the loop-fixing dialog returns: 0 Accept, 1 Cancel, 2 Skip, with the edited texts.
 struct LoopFix {

@@ -1,5 +1,7 @@
 #include "app/file_commands.h"
 
+#include "app/replace_target.h"
+#include "app/text.h"
 #include "records/es_read.h"
 #include "writer/es_write.h"
 
@@ -119,10 +121,15 @@ namespace {
 // Writes the store to path and logs the outcome; failureLine is the command's own failure text.
 Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
     std::string name = bareName(path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    if (!readOnly) {
+        session.log.LogLine(failureLine);
+        return Outcome::declined("\"" + name + "\" is read-only");
+    }
     // The header's count comes from the displayed total, not from the store.
     auto recordCount = std::int32_t(session.counts.number(CountLabel::Total));
     DialogPrompts prompts(dialogs);
-    WriteResult result = WriteESFile(session.store, path, recordCount, prompts);
+    WriteResult result = WriteESFile(session.store, path, recordCount, prompts, *readOnly);
     if (result.status == WriteResult::Failed) {
         session.log.LogLine(failureLine);
         dialogs.tell("\"" + name + "\" could not be written: " + result.error +
@@ -182,7 +189,11 @@ Outcome SaveAs(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.flags = PromptOverwrite;
     request.filter = kSaveDataFilter;
-    request.filterIndex = 2;
+    // The open file's own type first, and its extension for a name typed under "All Files".
+    std::string extension = std::filesystem::path(session.currentPath).extension().string();
+    int ownType = filterIndexOf(kSaveDataFilter, extension);
+    request.filterIndex = ownType != 0 ? ownType : 2;
+    request.defaultExtension = ownType != 0 ? foldedKey(extension) : ".esp";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (trimBlanks(path).empty()) return Outcome::declined("no file was chosen");

@@ -61,6 +61,11 @@ Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons, I
             "the target is a savegame; writing one is likely to give an unusable file (add --yes to "
             "write it all the same, or --no to leave it)");
     }
+    if (what.id == QuestionId::ReplaceReadOnly) {
+        if (replaceReadOnly) return Answer::Yes;
+        throw CliError("\"" + what.subject +
+                       "\" is read-only; it has been left as it is (add --replace-read-only to replace it)");
+    }
     if (answer) return answer(what);
     throw CliError("no answer on the command line to: " + forTerminal(text));
 }

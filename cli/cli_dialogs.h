@@ -18,8 +18,9 @@ class CliDialogs : public Dialogs {
 public:
     enum class Unknown { Ask, Yes, No, YesToAll, Default };
     Unknown unknown = Unknown::Default;
-    bool yes = false; // answers the savegame question with Yes
-    bool no = false;  // answers it with No
+    bool yes = false;             // answers the savegame question with Yes
+    bool no = false;              // answers it with No
+    bool replaceReadOnly = false; // replace an output file that is read-only
     // What to do with output that would be damaged: --repair, --force, or write nothing.
     DamageChoice onDamage = DamageChoice::WriteNothing;
     std::ostream* err = &std::cerr; // where messages and warnings go

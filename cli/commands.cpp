@@ -111,6 +111,11 @@ Every command that saves a data file (save, import-dialogue, morrowindize) takes
                                    with their sizes), write them so that the file reads back whole
   --force                          write such records as the format's rules give them, damaged
   Without either, damaged output is refused: nothing is written, the records are listed, exit 1.
+Every command that writes a file (those above, export-dialogue, quotes, npc-list,
+translate-template) replaces an existing OUT whole, only once the new content is complete (a
+failure leaves the old file as it was), keeping its mode, owner and group where allowed; and takes:
+  --replace-read-only              replace OUT even when it is read-only (no write permission);
+                                   without it such a file is left as it is, and the command exits 1
 "--" ends the options, so that a file named "-x.esp" can be given.
 FILE is a data file: .esm, .esp, .ess, .esd, or OpenMW's .omwaddon and .omwgame (which must begin
 with a TES3 header; their header keeps its file type, and records of OpenMW's own types are kept).
@@ -318,7 +323,8 @@ int loadOrderCommand(Context& c) {
 }
 
 // The flags of every command that saves a data file.
-const std::set<std::string> kWriteOptions = {"--help", "--yes", "--no", "--repair", "--force"};
+const std::set<std::string> kWriteOptions = {"--help",   "--yes",   "--no",
+                                             "--repair", "--force", "--replace-read-only"};
 
 std::set<std::string> withWriteOptions(std::set<std::string> more) {
     more.insert(kWriteOptions.begin(), kWriteOptions.end());
@@ -329,7 +335,12 @@ const std::vector<Command>& commands() {
     static const std::vector<Command> list = {
         {"counts", 1, {"--help"}, {"--unknown"}, countsCommand, {}, true},
         {"save", 1, kWriteOptions, {"--unknown", "-o"}, saveCommand},
-        {"export-dialogue", 1, {"--help"}, {"--unknown", "-o", "--text-encoding"}, exportCommand, {"-o"}},
+        {"export-dialogue",
+         1,
+         {"--help", "--replace-read-only"},
+         {"--unknown", "-o", "--text-encoding"},
+         exportCommand,
+         {"-o"}},
         {"import-dialogue",
          2,
          withWriteOptions({"--remove-line-breaks"}),
@@ -354,17 +365,23 @@ const std::vector<Command>& commands() {
         {"morrowindize-text", 0, kCleanupOptions, {}, morrowindizeTextCommand},
         {"npc-list",
          1,
-         {"--help", "--no-clones", "--with-masters"},
+         {"--help", "--no-clones", "--with-masters", "--replace-read-only"},
          {"--unknown", "--cell", "--format", "-o"},
          npcListCommand,
          {"--cell", "-o"}},
         {"load-order", 1, {"--help"}, {"--unknown"}, loadOrderCommand},
-        {"translate-template", 1, {"--help"}, {"--unknown", "-o"}, translateTemplateCommand, {"-o"}, true},
+        {"translate-template",
+         1,
+         {"--help", "--replace-read-only"},
+         {"--unknown", "-o"},
+         translateTemplateCommand,
+         {"-o"},
+         true},
         {"translate", 2, withWriteOptions({}), {"--unknown", "-o", "--out-dir"}, translateCommand, {}, true},
         {"check-translation", 2, {"--help", "--json"}, {"--unknown"}, checkTranslationCommand},
         {"quotes",
          1,
-         {"--help", "--ask-names", "--with-masters"},
+         {"--help", "--ask-names", "--with-masters", "--replace-read-only"},
          {"--unknown", "--city", "--format", "-o"},
          quotesCommand,
          {"--city", "--format", "-o"}},
@@ -457,6 +474,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         }
         c.dialogs.yes = parsed.has("--yes");
         c.dialogs.no = parsed.has("--no");
+        c.dialogs.replaceReadOnly = parsed.has("--replace-read-only");
         if (parsed.has("--repair")) c.dialogs.onDamage = DamageChoice::Repair;
         if (parsed.has("--force")) c.dialogs.onDamage = DamageChoice::WriteAsIs;
         c.dialogs.err = &err;

@@ -2,6 +2,7 @@
 // check of a PO against a file.
 #include "app/encoding.h"
 #include "app/file_commands.h"
+#include "app/replace_target.h"
 #include "cli/context.h"
 #include "records/source_bytes.h"
 #include "translation/translation.h"
@@ -61,7 +62,9 @@ int translateTemplateCommand(Context& c) {
         addTemplateEntries(c.session.store, bareName(path), entries);
     }
     std::string out = c.args.value("-o");
-    std::string error = replaceFileSafely(out, poText(entries, bareName(c.args.positional[0])));
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.dialogs, out);
+    if (!readOnly) return 1;
+    std::string error = replaceFileSafely(out, poText(entries, bareName(c.args.positional[0])), *readOnly);
     if (!error.empty()) {
         c.err << "quillon: \"" << forTerminal(out) << "\" could not be written: " << forTerminal(error)
               << "\n";

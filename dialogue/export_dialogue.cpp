@@ -1,6 +1,7 @@
 #include "dialogue/dialogue_commands.h"
 
 #include "app/encoding.h"
+#include "app/replace_target.h"
 #include "writer/safe_file.h"
 
 namespace quillon {
@@ -57,7 +58,9 @@ Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& 
     std::string text = dialogueText(infos);
     // The mark tells the import that the text is UTF-8, however its bytes might also read.
     if (encoding == TextEncoding::Utf8) text = "\xEF\xBB\xBF" + toUtf8(text);
-    std::string error = replaceFileSafely(path, text);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
+    std::string error = replaceFileSafely(path, text, *readOnly);
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         session.log.LogLine("-An error occured during dialogue exporting.");

@@ -1,3 +1,4 @@
+#include "app/replace_target.h"
 #include "app/text.h"
 #include "dialogue/dialogue_commands.h"
 #include "writer/safe_file.h"
@@ -125,16 +126,24 @@ std::string fillPlaceholdersUpTo(std::string_view text, const Speaker& s, std::s
     return out;
 }
 
-// Asks for the export file; empty when cancelled.
-std::string askForFile(Session& session, Dialogs& dialogs, const char* filter, const char* extension) {
+// The export file chosen, and whether it may be replaced though read-only.
+struct Target {
+    std::string path; // empty when cancelled or kept
+    ReadOnlyTarget readOnly = ReadOnlyTarget::Refuse;
+};
+
+Target askForFile(Session& session, Dialogs& dialogs, const char* filter, const char* extension) {
     FileRequest request;
     request.flags = PromptOverwrite;
     request.filter = filter;
     request.defaultExtension = extension;
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
-    if (!path.empty()) session.openFolder = folderOf(path);
-    return path;
+    if (path.empty()) return {};
+    session.openFolder = folderOf(path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    if (!readOnly) return {};
+    return {path, *readOnly};
 }
 
 bool hasNoResponses(const Session& session) {
@@ -174,16 +183,17 @@ void field(std::string& out, const std::string& text, std::size_t width) {
 } // namespace
 
 Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
-    std::string path = askForFile(session, dialogs, "XML files (*.xml)|*.xml| All Files (*.*)| *.*", ".xml");
+    auto [path, readOnly] =
+        askForFile(session, dialogs, "XML files (*.xml)|*.xml| All Files (*.*)| *.*", ".xml");
     if (path.empty()) return Outcome::declined("no file was chosen");
     std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
     std::string out = "<quotes>";
     if (hasNoResponses(session)) {
-        replaceFileSafely(path, out);
+        replaceFileSafely(path, out, readOnly);
         return reportExportError(session, dialogs);
     }
     ActorIndex actors(session.store, session.useMasters ? &sessionMasters(session) : nullptr);
-    SafeFileWriter file(path);
+    SafeFileWriter file(path, readOnly);
     for (const InfoRecord& r : session.store.INFO) {
         // Every response with an actor goes out, those holding "%PC" or "%rank" included: the
         // test that looks for them cannot come out false once an actor is present.
@@ -199,16 +209,16 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
 }
 
 Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
-    std::string path =
+    auto [path, readOnly] =
         askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
     if (path.empty()) return Outcome::declined("no file was chosen");
     std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
     if (hasNoResponses(session)) {
-        replaceFileSafely(path, "");
+        replaceFileSafely(path, "", readOnly);
         return reportExportError(session, dialogs);
     }
     ActorIndex actors(session.store, session.useMasters ? &sessionMasters(session) : nullptr);
-    SafeFileWriter file(path);
+    SafeFileWriter file(path, readOnly);
     std::string out;
     for (const InfoRecord& r : session.store.INFO) {
         if (r.ONAM.empty() || containsIgnoreCase(r.NAME, "%PC") || containsIgnoreCase(r.NAME, "%rank"))

@@ -12,21 +12,23 @@ namespace quillon {
 
 namespace {
 
-// Reads a text file line by line, as the export wrote it: lines end at CR LF only. pos() is the
-// 0-based position of the next read.
 // A character of a UTF-8 text file that the code page cannot store.
 struct Unstorable {
     char32_t character;
 };
+
+// Reads a text file line by line, as the export wrote it: lines end at CR LF only.
 
 class LineReader {
 public:
     // A UTF-8 file's lines are converted to the code page as they are read.
     LineReader(std::string bytes, bool utf8) : bytes_(std::move(bytes)), utf8_(utf8) {}
     bool atEnd() const { return pos_ >= bytes_.size(); }
-    std::size_t pos() const { return pos_; }
+    // The 1-based number of the line last read.
+    std::size_t lineNumber() const { return lines_; }
     bool next(std::string& line) {
         if (atEnd()) return false;
+        ++lines_;
         // A lone LF or CR is part of a response's text, as it was exported.
         std::size_t end = bytes_.find("\r\n", pos_);
         if (end == std::string::npos) end = bytes_.size();
@@ -41,6 +43,7 @@ private:
     std::string bytes_;
     bool utf8_;
     std::size_t pos_ = 0;
+    std::size_t lines_ = 0;
 };
 
 // Where the text file stops matching the store: the message names the place and both IDs.
@@ -112,29 +115,46 @@ public:
     Import(Session& s, Dialogs& d, bool removeLineBreaks, std::string bytes, bool utf8)
         : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), in_(std::move(bytes), utf8) {}
 
+    // Reads the whole text first; the responses change only once every one of them matched and
+    // every question was answered, so that a mismatch changes nothing.
     void run() {
         std::vector<InfoRecord>& infos = s_.store.INFO;
+        std::vector<std::string> texts(infos.size());
         // A file that still holds lines after the last response starts a second pass, which
         // then reports the mismatch.
         while (!in_.atEnd()) {
             for (current_ = 0; current_ < infos.size(); ++current_)
-                importOne(infos[current_], current_ + 1 == infos.size());
+                texts[current_] = readOne(infos[current_], current_ + 1 == infos.size());
         }
+        for (std::size_t i = 0; i < infos.size(); ++i) {
+            InfoRecord& r = infos[i];
+            if (texts[i].empty() && !r.NAME.empty())
+                s_.store.editNotes[&r] = "response text emptied by the import: its size still counts the "
+                                         "text's sub-record, which is no longer written";
+            setResponseText(r, std::move(texts[i]));
+        }
+        s_.log.LogLine("-Imported " + std::to_string(infos.size()) + " responses to \"" +
+                       bareName(s_.currentPath) + "\" successfully.");
     }
     std::size_t current() const { return current_; }
-    std::size_t pos() const { return in_.pos(); }
+    std::size_t lineNumber() const { return in_.lineNumber() + (atEndOfFile_ ? 1 : 0); }
+    // The ID line found where the current response's was expected, unless the file ended first.
     const std::string& foundId() const { return foundId_; }
+    bool atEndOfFile() const { return atEndOfFile_; }
 
 private:
     std::string line() {
         std::string l;
-        if (!in_.next(l)) throw Mismatch{};
+        if (!in_.next(l)) {
+            atEndOfFile_ = true;
+            throw Mismatch{};
+        }
         return l;
     }
 
-    void importOne(InfoRecord& r, bool last) {
-        foundId_ = unquote(line());
-        if (!equalsIgnoreCase(foundId_, r.INAM)) throw Mismatch{};
+    std::string readOne(const InfoRecord& r, bool last) {
+        foundId_ = line();
+        if (foundId_.size() < 2 || !equalsIgnoreCase(unquote(foundId_), r.INAM)) throw Mismatch{};
         line(); // topic
         line(); // actor
         std::string text = line();
@@ -142,17 +162,11 @@ private:
             text += separator_ + line();
         text = collapseDoubledQuotes(unquote(text));
         if (text.size() > kMaxResponse) text = fitLongText(r, text);
-        if (text.empty() && !r.NAME.empty())
-            s_.store.editNotes[&r] = "response text emptied by the import: its size still counts the text's "
-                                     "sub-record, which is no longer written";
-        setResponseText(r, std::move(text));
-        if (last) {
-            s_.log.LogLine("-Imported " + std::to_string(s_.store.INFO.size()) + " responses to \"" +
-                           bareName(s_.currentPath) + "\" successfully.");
-        } else {
+        if (!last) {
             line();
             line();
         }
+        return text;
     }
 
     std::string fitLongText(const InfoRecord& r, std::string text) {
@@ -177,6 +191,7 @@ private:
     LineReader in_;
     std::size_t current_ = 0;
     std::string foundId_;
+    bool atEndOfFile_ = false;
     bool noToAll_ = false;
 };
 
@@ -233,14 +248,14 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
                 " cannot store (" + code + "), in the response \"" +
                 session.store.INFO[std::min(import.current(), session.store.INFO.size() - 1)].INAM + "\".");
     } catch (const Mismatch&) {
-        // Responses already imported keep their new texts: there is no rollback.
-        char offset[32];
-        std::snprintf(offset, sizeof offset, "%zX", import.pos() + 1);
+        std::string found = import.atEndOfFile()       ? "the end of the file"
+                            : import.foundId().empty() ? "an empty line"
+                                                       : readableExcerpt(import.foundId());
         return reportImportError(session, dialogs,
-                                 "The file has been edited incorrectly. Current offset: 0x" +
-                                     std::string(offset) +
-                                     ". Required ID: " + session.store.INFO[import.current()].INAM +
-                                     ". Found ID: " + readableExcerpt(import.foundId()));
+                                 "The file has been edited incorrectly at line " +
+                                     std::to_string(import.lineNumber()) + ". Required ID: \"" +
+                                     session.store.INFO[import.current()].INAM + "\". Found: " + found +
+                                     ". Nothing has been imported.");
     }
 }
 

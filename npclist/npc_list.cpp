@@ -3,6 +3,7 @@
 #include "app/encoding.h"
 #include "app/error_numbers.h"
 #include "app/merged_cells.h"
+#include "app/replace_target.h"
 
 #include "app/text.h"
 #include "writer/safe_file.h"
@@ -278,13 +279,12 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
                                : format == NpcListFormat::Csv ? ".csv"
                                                               : ".txt";
     request.initialFolder = session.openFolder;
+    request.flags = PromptOverwrite;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");
-    // The old list goes at once, even if no cell name follows; anything but an ordinary file is
-    // left alone and refused when the list is written.
-    std::error_code ec;
-    if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ec)))
-        std::filesystem::remove(path, ec);
+    // The old list stays until the new one is complete: a cancelled cell name keeps it.
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::string answer = dialogs.input(
         {QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
     if (answer.empty()) return Outcome::declined("no cell name was given");
@@ -299,7 +299,7 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
                                                                 : "the list could not be written");
     };
     int count = 0;
-    SafeFileWriter file(path);
+    SafeFileWriter file(path, *readOnly);
     try {
         file.write(npcListSheet(session.store, format, skipClones, answer, count, &file, masters));
     } catch (const std::bad_alloc&) {

@@ -66,20 +66,22 @@ TEST(BadInput, DialogueTextFilesThatDoNotMatch) {
         const char* foundId;
     };
     std::string good = "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\"\r\n";
-    for (const Case& c :
-         std::vector<Case>{{"fewer lines", "\"1\"\r\n\"T\"\r\n", "1"},
-                           {"more lines", good + "\r\n\r\n\"2\"\r\n", "1"},
-                           {"no closing quote", "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\r\nthere\r\n", "1"},
-                           {"no quotes at all", "1\r\nT\r\na\r\nHi\r\n", ""}}) {
+    for (const Case& c : std::vector<Case>{
+             {"fewer lines", "\"1\"\r\n\"T\"\r\n", "line 3. Required ID: \"1\". Found: the end"},
+             {"more lines", good + "\r\n\r\n\"2\"\r\n", "line 5. Required ID: \"1\". Found: an empty line"},
+             {"no closing quote", "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"Hi\r\nthere\r\n",
+              "line 6. Required ID: \"1\". Found: the end"},
+             {"no quotes at all", "1\r\nT\r\na\r\nHi\r\n", "line 1. Required ID: \"1\". Found: 1."}}) {
         Session s;
         ScriptedDialogs d;
         openPath(s, d, dir.write("p.esp", plugin()));
         d.answers = {Answer::No};
         importDialogueFrom(s, d, dir.write("in.txt", c.text));
         EXPECT_EQ(lastLog(s), "-An error occured during dialogue importing.") << c.name;
-        EXPECT_EQ(d.messages.back().substr(0, 37), "The file has been edited incorrectly.") << c.name;
-        EXPECT_NE(d.messages.back().find(std::string("Found ID: ") + c.foundId), std::string::npos)
+        EXPECT_EQ(d.messages.back().rfind("The file has been edited incorrectly at line ", 0), 0u) << c.name;
+        EXPECT_NE(d.messages.back().find(c.foundId), std::string::npos)
             << c.name << ": " << d.messages.back();
+        EXPECT_EQ(s.store.INFO[0].NAME, "Hello") << c.name; // nothing imported
     }
     // Bytes the code page leaves undefined are kept as they are.
     Session s;
@@ -198,5 +200,5 @@ TEST(BadInput, TextsFromFilesAreShownSafely) {
     openPath(s, d, dir.write("p.esp", plugin()));
     importDialogueFrom(s, d, dir.write("t.txt", "\"" + std::string(5000000, 'z') + "\"\r\n"));
     EXPECT_LT(d.messages.back().size(), 300u);
-    EXPECT_NE(d.messages.back().find("(5,000,000 characters)"), std::string::npos);
+    EXPECT_NE(d.messages.back().find("(5,000,002 characters)"), std::string::npos);
 }

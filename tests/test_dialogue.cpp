@@ -114,27 +114,30 @@ TEST(ImportDialogue, EditedTextsAdjustTheSizes) {
     EXPECT_EQ(f.session.store.INFO[1].Size, Fixture({{"2", "b", "keep"}}).session.store.INFO[0].Size);
 }
 
-TEST(ImportDialogue, MismatchReportsTheOffsetBehindTheIdLine) {
+TEST(ImportDialogue, MismatchChangesNothingAndNamesTheLine) {
     Fixture f({{"1", "a", "x"}, {"2", "b", "y"}, {"3", "c", "z"}});
+    ScriptedPrompts prompts;
+    std::string before = serialiseStore(f.session.store, 4, 0, prompts);
     std::string text = f.exported();
     std::replace(text.begin(), text.end(), 'x', 'X');
     std::size_t third = text.find("\"3\"");
     text.replace(third, 3, "\"30\"");
+    std::size_t line = 1 + std::size_t(std::count(text.begin(), text.begin() + long(third), '\n'));
     f.import(text, {Answer::No});
-    char hex[16];
-    std::snprintf(hex, sizeof hex, "%zX", third + 4 + 2 + 1);
     EXPECT_EQ(f.dialogs.messages.back(),
-              std::string("The file has been edited incorrectly. Current offset: 0x") + hex +
-                  ". Required ID: 3. Found ID: 30");
+              "The file has been edited incorrectly at line " + std::to_string(line) +
+                  ". Required ID: \"3\". Found: \"30\". Nothing has been imported.");
     EXPECT_EQ(f.lastLog(), "-An error occured during dialogue importing.");
-    EXPECT_EQ(f.session.store.INFO[0].NAME, "X"); // no rollback
+    // The responses before the bad one keep their texts: all or nothing.
+    EXPECT_EQ(f.session.store.INFO[0].NAME, "x");
+    EXPECT_EQ(serialiseStore(f.session.store, 4, 0, prompts), before);
 
     Fixture cased({{"abc", "a", "x"}});
     cased.import("\"ABC\"\r\n\"Topic\"\r\n\"a\"\r\n\"new\"\r\n", {Answer::No});
     EXPECT_EQ(cased.session.store.INFO[0].NAME, "new");
     cased.import("\"ABC\"\r\n\"Topic\"\r\n\"a\"\r\n\"again\"\r\n\r\n",
                  {Answer::No}); // more lines: a second pass
-    EXPECT_EQ(cased.dialogs.messages.back().substr(0, 37), "The file has been edited incorrectly.");
+    EXPECT_EQ(cased.dialogs.messages.back().rfind("The file has been edited incorrectly at line 5.", 0), 0u);
 }
 
 TEST(ImportDialogue, LongTextsAreEditedOrCut) {
@@ -337,7 +340,7 @@ TEST(Commands, NameTheirQuestionsAndReportTheirOutcomes) {
 
     Outcome mismatch = importDialogueFrom(f.session, f.dialogs, f.dir.write("bad.txt", "\"8\"\r\n"));
     EXPECT_TRUE(mismatch.isFailed());
-    EXPECT_NE(mismatch.reason().find("Found ID: 8"), std::string::npos);
+    EXPECT_NE(mismatch.reason().find("line 1. Required ID: \"7\". Found: \"8\""), std::string::npos);
 
     f.dialogs.savePaths = {""};
     EXPECT_TRUE(ExportDialogue(f.session, f.dialogs).isDeclined());

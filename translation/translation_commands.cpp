@@ -1,6 +1,7 @@
 #include "translation/translation_commands.h"
 
 #include "app/encoding.h"
+#include "app/replace_target.h"
 #include "records/source_bytes.h"
 #include "translation/translation.h"
 #include "writer/safe_file.h"
@@ -16,13 +17,16 @@ const char* const kPoFilter = "PO files (*.po, *.pot)|*.po;*.pot|All Files (*.*)
 Outcome ExportTranslationTemplate(Session& session, Dialogs& dialogs) {
     FileRequest request;
     request.filter = kPoFilter;
+    request.flags = PromptOverwrite; // a translated .po chosen by mistake is not lost unasked
     request.defaultExtension = ".pot";
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::vector<PoEntry> entries;
     addTemplateEntries(session.store, bareName(session.recordsPath), entries);
-    std::string error = replaceFileSafely(path, poText(entries, bareName(session.recordsPath)));
+    std::string error = replaceFileSafely(path, poText(entries, bareName(session.recordsPath)), *readOnly);
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         return Outcome::failed("the template could not be written");

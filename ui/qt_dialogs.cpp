@@ -101,9 +101,15 @@ std::string QtDialogs::chooseFile(const FileRequest& request, bool save) {
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
         dialog.selectNameFilter(filters[request.filterIndex - 1]);
     if (!request.initialFolder.empty()) dialog.setDirectory(QString::fromStdString(request.initialFolder));
-    if (!request.defaultExtension.empty())
-        dialog.setDefaultSuffix(QString::fromStdString(request.defaultExtension).remove(0, 1));
-    if (save && !(request.flags & PromptOverwrite)) dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    // A name typed without an extension gets the chosen filter's.
+    auto suffixFor = [&](int index) {
+        std::string extension = filterExtension(request.filter, index, request.defaultExtension);
+        dialog.setDefaultSuffix(QString::fromStdString(extension).remove(0, 1));
+    };
+    suffixFor(request.filterIndex);
+    QObject::connect(&dialog, &QFileDialog::filterSelected,
+                     [&](const QString& chosen) { suffixFor(int(filters.indexOf(chosen)) + 1); });
+    // Every save dialog asks before it replaces a file, whatever the request's flags say.
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
     return dialog.selectedFiles().front().toStdString();
 }

@@ -87,7 +87,7 @@ bool framesThroughout(std::string_view bytes) {
 }
 
 WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount,
-                        Prompts& prompts) {
+                        Prompts& prompts, ReadOnlyTarget readOnly) {
     using Clock = std::chrono::steady_clock;
     std::int32_t fileType = fileTypeFor(path);
     if (fileType == 32 &&
@@ -99,7 +99,7 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
         return {WriteResult::Declined, 0, {}};
     Clock::time_point start = Clock::now();
     // Written straight to a temporary file as it is made; replacing the target waits for the check.
-    auto file = std::make_unique<SafeFileWriter>(path);
+    auto file = std::make_unique<SafeFileWriter>(path, readOnly);
     ByteSink out(false, &store.editNotes, file.get());
     serialiseInto(out, store, recordCount, fileType, prompts);
     if (!file->error().empty()) return {WriteResult::Failed, 0, file->error()};
@@ -111,7 +111,7 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
         if (choice == DamageChoice::WriteNothing || (choice == DamageChoice::Repair && !report.repairable))
             return {WriteResult::Refused, 0, {}};
         if (choice == DamageChoice::Repair) {
-            file = std::make_unique<SafeFileWriter>(path);
+            file = std::make_unique<SafeFileWriter>(path, readOnly);
             ByteSink repaired(true, &store.editNotes, file.get());
             serialiseInto(repaired, store, recordCount, fileType, prompts);
         }

@@ -1,6 +1,7 @@
 #pragma once
 #include "records/prompts.h"
 #include "records/record_store.h"
+#include "writer/safe_file.h"
 
 #include <cstdint>
 #include <string>
@@ -45,6 +46,6 @@ bool framesThroughout(std::string_view bytes);
 // would be damaged is named and written only as the user chooses. The old file survives any
 // failure.
 WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_t recordCount,
-                        Prompts& prompts);
+                        Prompts& prompts, ReadOnlyTarget readOnly = ReadOnlyTarget::Refuse);
 
 } // namespace quillon

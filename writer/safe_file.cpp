@@ -14,7 +14,12 @@ namespace quillon {
 
 namespace fs = std::filesystem;
 
-SafeFileWriter::SafeFileWriter(const std::string& path) {
+bool isReadOnlyFile(const std::string& path) {
+    struct stat st {};
+    return ::stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && (st.st_mode & 0222) == 0;
+}
+
+SafeFileWriter::SafeFileWriter(const std::string& path, ReadOnlyTarget readOnly) {
     fs::path target(path);
     std::error_code ec;
     // A link is followed, so that the file it names is replaced and the link stays.
@@ -26,6 +31,10 @@ SafeFileWriter::SafeFileWriter(const std::string& path) {
     fs::file_status status = fs::status(target, ec);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         fail(0, "\"" + target.filename().string() + "\" is not an ordinary file");
+        return;
+    }
+    if (readOnly == ReadOnlyTarget::Refuse && isReadOnlyFile(target_)) {
+        fail(0, "\"" + target.filename().string() + "\" is read-only");
         return;
     }
     folder_ = target.has_parent_path() ? target.parent_path().string() : std::string(".");
@@ -43,10 +52,13 @@ SafeFileWriter::SafeFileWriter(const std::string& path) {
         fail(errno, "cannot create a file in \"" + folder_ + "\": " + std::strerror(errno));
         return;
     }
-    // Keep the old file's permissions; a new file gets the usual ones.
+    // Keep the old file's permissions, owner and group; a new file gets the usual ones.
     struct stat old {};
-    mode_t mode = ::stat(target_.c_str(), &old) == 0 ? (old.st_mode & 07777) : mode_t(0644);
-    ::fchmod(fd_, mode);
+    replacing_ = ::stat(target_.c_str(), &old) == 0;
+    mode_ = replacing_ ? (old.st_mode & 07777) : mode_t(0644);
+    owner_ = old.st_uid;
+    group_ = old.st_gid;
+    ::fchmod(fd_, mode_);
 }
 
 SafeFileWriter::~SafeFileWriter() {
@@ -80,6 +92,13 @@ bool SafeFileWriter::write(std::string_view bytes) {
 }
 
 std::string SafeFileWriter::commit() {
+    if (error_.empty() && replacing_) {
+        // Only the superuser may give a file away; anyone may give it a group they belong to.
+        // Where neither is allowed the new file keeps this user's, as a copy would.
+        if (::fchown(fd_, owner_, group_) != 0 && ::fchown(fd_, uid_t(-1), group_) != 0) replacing_ = false;
+        // A change of owner clears the set-id bits: the mode is given again.
+        ::fchmod(fd_, mode_);
+    }
     if (error_.empty() && ::fsync(fd_) != 0) fail(errno, std::strerror(errno));
     if (error_.empty() && unnamed_) {
         // Named only now, under a fresh temporary name, then renamed over the target.
@@ -102,8 +121,9 @@ std::string SafeFileWriter::commit() {
     return error_;
 }
 
-std::string replaceFileSafely(const std::string& path, const std::string& bytes, int* systemError) {
-    SafeFileWriter file(path);
+std::string replaceFileSafely(const std::string& path, const std::string& bytes, ReadOnlyTarget readOnly,
+                              int* systemError) {
+    SafeFileWriter file(path, readOnly);
     file.write(bytes);
     std::string error = file.commit();
     if (systemError) *systemError = file.systemError();
