@@ -11,7 +11,8 @@
 namespace quillon {
 
 // YesNoDefaultNo: a question whose Yes would destroy something, so that Enter keeps it.
-enum class Buttons { Ok, YesNo, YesNoCancel, YesNoDefaultNo };
+// SaveDiscardCancel: Save answers Yes, Discard No.
+enum class Buttons { Ok, YesNo, YesNoCancel, YesNoDefaultNo, SaveDiscardCancel };
 enum class Icon { None, Information, Question, Warning, Critical };
 enum class Answer { Ok, Yes, No, Cancel };
 

@@ -60,9 +60,12 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
     std::int32_t recordCount = 0;
     DialogPrompts prompts(dialogs);
     ReadDiagnostics diagnostics;
+    bool wasWhole = session.readWhole;
+    session.readWhole = false; // until the read ends whole: an exception out of it leaves it so
     double ms = ReadESFile(session.store, path, recordCount, false, prompts, &diagnostics);
     session.currentPath = path;
     if (ms < 0) {
+        session.readWhole = wasWhole; // nothing was read: the records open before stay as they were
         session.log.LogLine("-Failed reading \"" + name + "\".");
     } else {
         std::int32_t expected = session.store.TES3.empty() ? 0 : session.store.TES3.front().NumRecords;
@@ -81,6 +84,11 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         if (diagnostics.truncated)
             session.log.LogLine("-Warning: \"" + name +
                                 "\" ends inside a record; its last record is incomplete.");
+        if (ms == 0)
+            session.log.LogLine("-Warning: reading stopped at a record of unknown type; no record of \"" +
+                                name + "\" is open.");
+        session.readWhole = ms > 0 && !lost && !diagnostics.truncated;
+        session.modified = false;
         if (recordCount == 0 && ms > 0)
             session.log.LogLine("-Warning: \"" + name + "\" holds no records.");
         else if (session.store.TES3.empty() && ms > 0)
@@ -101,10 +109,24 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
     return Outcome::done();
 }
 
+bool mayDropRecords(Session& session, Dialogs& dialogs) {
+    if (!session.modified || !session.askBeforeDiscarding) return true;
+    std::string name =
+        session.currentPath.empty() ? "the open records" : "\"" + bareName(session.currentPath) + "\"";
+    switch (dialogs.ask({QuestionId::SaveChanges}, "Save changes to " + name + "?",
+                        Buttons::SaveDiscardCancel, Icon::Warning, "")) {
+    case Answer::Yes: return Save(session, dialogs).isDone();
+    case Answer::No: return true;
+    default: return false;
+    }
+}
+
 Outcome Close(Session& session) {
     ClearRecords(session.store);
     session.counts.ResetRecordCounts();
     session.fileGroupEnabled = false;
+    session.modified = false;
+    session.readWhole = true;
     session.log.LogLine("-Closed \"" + bareName(session.currentPath) + "\" successfully.");
     session.currentPath.clear();
     session.recordsPath.clear();
@@ -144,6 +166,8 @@ Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& pa
     if (result.status == WriteResult::Written) {
         session.fileStamp = stampOf(path);
         session.recordsPath = path;
+        session.modified = false;
+        session.readWhole = true; // the file now holds exactly the records open here
     }
     // A declined savegame question still logs the finishing line, with no time.
     session.log.LogLine("-Finished writing \"" + name + "\" in " + formatSeconds(result.ms) + " seconds. " +
@@ -181,6 +205,17 @@ Outcome Save(Session& session, Dialogs& dialogs) {
                     Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
         session.log.LogLine(failure);
         return Outcome::declined("\"" + name + "\" was changed on disk");
+    }
+    // A store from a read that stopped early holds less than the file: saving it over the file
+    // would lose the rest.
+    if (!foreignTarget && !session.readWhole &&
+        dialogs.ask({QuestionId::SaveIncompleteRead},
+                    "\"" + name +
+                        "\" was not read whole: the records open here are only part of it. Save would "
+                        "replace the file on disk with them, and the rest would be lost. Replace it?",
+                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
+        session.log.LogLine(failure);
+        return Outcome::declined("\"" + name + "\" was not read whole");
     }
     return writeAndReport(session, dialogs, session.currentPath, failure);
 }

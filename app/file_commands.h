@@ -15,6 +15,10 @@ Outcome Open(Session& session, Dialogs& dialogs);
 // Reads the file at path into the session, logs the outcome and shows the counts. Declined when
 // the user stopped the read at a record of unknown type.
 Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path);
+// Before the open records are dropped (Close, Exit, Open of another file): while they hold
+// unsaved changes and the session asks, "Save changes to X?" with Save, Discard and Cancel, Save
+// saving first. False when the records are to stay (Cancel, or a save that did not happen).
+bool mayDropRecords(Session& session, Dialogs& dialogs);
 // Empties the store without saving or asking.
 Outcome Close(Session& session);
 // Empties the store before the program ends.

@@ -19,6 +19,13 @@ struct Session {
     // The file the records in the store were read from (or last written to). It differs from
     // currentPath after a refused Open, which keeps the earlier file's records.
     std::string recordsPath;
+    // False when the records came from a read that did not take the whole file (stopped at an
+    // unknown record, lost records to damage, cut short): Save asks before putting them in its place.
+    bool readWhole = true;
+    // True once the records were changed since they were read or last written.
+    bool modified = false;
+    // Whether dropping changed records (Close, Exit, Open) asks first; the window remembers it.
+    bool askBeforeDiscarding = true;
     Log log;
     RecordCounts counts;
     // The file-dependent buttons and menu entries, always switched together.

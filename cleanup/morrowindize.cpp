@@ -73,10 +73,12 @@ Outcome Morrowindize(Session& session, Dialogs& dialogs) {
         cleanAll(session, dialogs, quoteParity, noToAll, changed);
     } catch (const std::exception&) {
         // Responses already cleaned keep their new texts.
+        session.modified = true;
         session.log.LogLine("-An error occured during dialogue clean-up.");
         dialogs.refreshLog();
         return Outcome::failed("the clean-up stopped on an error");
     }
+    if (changed != 0) session.modified = true;
     if (changed == 0)
         session.log.LogLine("-All dialogues in \"" + name + "\" are already Morrowindish.");
     else

@@ -34,9 +34,11 @@ bool checkAll(Session& session, Dialogs& dialogs) {
                 if (fix.status == 0) {
                     // The sizes stay as they were; the writer writes them as stored, and the
                     // write check names the response if they no longer fit.
-                    if (fix.text != r.NAME || fix.result != r.BNAM)
+                    if (fix.text != r.NAME || fix.result != r.BNAM) {
                         session.store.editNotes[&r] =
                             "response text changed by the loop fix without its sizes";
+                        session.modified = true;
+                    }
                     r.NAME = fix.text;
                     linesCurrent = linesCurrent && fix.result == r.BNAM;
                     r.BNAM = fix.result;

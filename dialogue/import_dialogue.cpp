@@ -133,6 +133,7 @@ public:
                                          "text's sub-record, which is no longer written";
             setResponseText(r, std::move(texts[i]));
         }
+        s_.modified = true;
         s_.log.LogLine("-Imported " + std::to_string(infos.size()) + " responses to \"" +
                        bareName(s_.currentPath) + "\" successfully.");
     }

@@ -28,6 +28,8 @@ enum class QuestionId {
     ReplaceOtherFile,     // Save after a refused Open: replace a file the records were not read from?
     OverwriteChangedFile, // Save over a file another program changed since it was read
     ReplaceReadOnly,      // replace an output file whose mode has no write permission
+    SaveIncompleteRead,   // Save over a file whose read did not take it whole
+    SaveChanges,          // the open records were changed: save them before they are dropped?
     RemoveLineBreaks,     // import: take line breaks out of the texts?
     LongResponse,         // import: edit a response over the limit by hand (Cancel: no to all)?
     CleanedTooLong,       // clean-up: edit a response grown over the limit by hand (Cancel: no to all)?

@@ -19,7 +19,9 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QTableWidget>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -272,9 +274,49 @@ TEST(QtDialogs, FiltersKeepTheirPatterns) {
     EXPECT_EQ(filters[2], "All Files (*.*) (*.*)");
 }
 
+// Changes show in the title, and Close, the title bar's close and Open offer them for saving; a
+// file read only in part is not saved over its whole self unasked.
+TEST(MainWindow, NeitherChangesNorFilesAreDroppedUnasked) {
+    Window w;
+    w.open();
+    EXPECT_EQ(w.window.windowTitle(), "w.esp[*] - Quillon");
+    EXPECT_FALSE(w.window.isWindowModified());
+    w.session.modified = true; // as an import or a clean-up leaves it
+    w.window.refresh();
+    EXPECT_TRUE(w.window.isWindowModified());
+    w.dialogs.answers = {Answer::Cancel};
+    w.key(Qt::Key_C, Qt::ControlModifier); // Close
+    EXPECT_EQ(w.dialogs.asked.back().id, QuestionId::SaveChanges);
+    EXPECT_TRUE(w.action("mnuSave")->isEnabled());
+    w.dialogs.answers = {Answer::Cancel};
+    EXPECT_FALSE(w.window.close());
+    EXPECT_TRUE(w.window.isVisible());
+    w.dialogs.answers = {Answer::No}; // discard
+    w.key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_FALSE(w.action("mnuSave")->isEnabled());
+    EXPECT_EQ(w.window.windowTitle(), "Quillon");
+
+    std::string part = w.dir.write(
+        "u.esp", file(0, {Rec("GLOB").z("NAME", "g").sub("FNAM", "f").sub("FLTV", le32(0)).bytes(),
+                          Rec("ZZZZ").z("NAME", "x").bytes()}));
+    std::string before = readAll(part);
+    w.dialogs.openPaths = {part};
+    w.dialogs.answers = {Answer::No}; // stop reading at the unknown record
+    w.key(Qt::Key_O, Qt::ControlModifier);
+    ASSERT_TRUE(w.action("mnuSave")->isEnabled());
+    std::size_t asked = w.dialogs.asked.size();
+    w.key(Qt::Key_S, Qt::ControlModifier); // answered with the default, No
+    ASSERT_GT(w.dialogs.asked.size(), asked);
+    EXPECT_EQ(w.dialogs.asked.back().id, QuestionId::SaveIncompleteRead);
+    EXPECT_EQ(readAll(part), before);
+}
+
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    // The window's lasting settings go to a folder of the run's own, never the user's.
+    QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

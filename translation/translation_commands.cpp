@@ -67,6 +67,7 @@ Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
             Icon::Critical);
         return Outcome::failed("a translation holds a character the code page lacks");
     }
+    if (report.applied != 0 || report.topicsRenamed != 0 || report.callsRenamed != 0) session.modified = true;
     std::string summary = "Applied " + std::to_string(report.applied) + " translation(s); renamed " +
                           std::to_string(report.topicsRenamed) + " topic(s) and " +
                           std::to_string(report.callsRenamed) + " AddTopic call(s).";

@@ -15,6 +15,7 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QGridLayout>
@@ -27,6 +28,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSettings>
 #include <QVBoxLayout>
 
 #include <cstring>
@@ -181,6 +183,12 @@ QString keyHint(const WindowCommand& c) {
     return QKeySequence(sequence).toString(QKeySequence::NativeText);
 }
 
+// The window's lasting settings, kept where the desktop keeps each user's.
+QSettings windowSettings() {
+    return QSettings(QStringLiteral("Quillon"), QStringLiteral("Quillon"));
+}
+const QString kAskBeforeDiscarding = QStringLiteral("askBeforeDiscarding");
+
 } // namespace
 
 FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialogs_(dialogs) {
@@ -193,8 +201,8 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
         dialogs_ = qt.get();
         ownDialogs_ = std::move(qt);
     }
-    setWindowTitle(QStringLiteral("Quillon"));
     setObjectName("frmMain");
+    session_.askBeforeDiscarding = windowSettings().value(kAskBeforeDiscarding, true).toBool();
     setAcceptDrops(true);
     createMenus();
     createFrames();
@@ -259,6 +267,14 @@ void FrmMain::createMenus() {
     masters->setCheckable(true);
     masters->setChecked(session_.useMasters);
     connect(masters, &QAction::toggled, this, [this](bool on) { session_.useMasters = on; });
+    QAction* ask = menus[1]->addAction(QStringLiteral("Ask &before Discarding Unsaved Changes"));
+    ask->setObjectName("mnuAskBeforeDiscarding");
+    ask->setCheckable(true);
+    ask->setChecked(session_.askBeforeDiscarding);
+    connect(ask, &QAction::toggled, this, [this](bool on) {
+        session_.askBeforeDiscarding = on;
+        windowSettings().setValue(kAskBeforeDiscarding, on);
+    });
     // The code page of the file's texts, held for the session; the Edit menu ends with it.
     QMenu* pages = menus[1]->addMenu(QStringLiteral("Code &Page"));
     pages->setObjectName("mnuCodePage");
@@ -399,6 +415,11 @@ void FrmMain::chooseCodePage(CodePage page) {
 }
 
 void FrmMain::refresh() {
+    // The file's name, with a mark while it holds changes not yet saved.
+    setWindowTitle(session_.currentPath.empty()
+                       ? QStringLiteral("Quillon")
+                       : fromCodePage(bareName(session_.currentPath)) + QStringLiteral("[*] - Quillon"));
+    setWindowModified(session_.modified);
     QString log = fromCodePage(session_.log.caption());
     log.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (log.endsWith('\n')) log.chop(1);
@@ -426,6 +447,7 @@ void FrmMain::run(const std::function<void()>& command) {
 
 void FrmMain::openPathNow(const QString& path) {
     run([&] {
+        if (!mayDropRecords(session_, *dialogs_)) return;
         std::string p = path.toStdString();
         session_.openFolder = folderOf(p);
         openPath(session_, *dialogs_, p);
@@ -472,15 +494,27 @@ void FrmMain::dropEvent(QDropEvent* event) {
 }
 
 void FrmMain::onOpen() {
-    run([&] { Open(session_, *dialogs_); });
+    run([&] {
+        if (mayDropRecords(session_, *dialogs_)) Open(session_, *dialogs_);
+    });
 }
 void FrmMain::onClose() {
-    run([&] { Close(session_); });
+    run([&] {
+        if (mayDropRecords(session_, *dialogs_)) Close(session_);
+    });
 }
 void FrmMain::onExit() {
+    if (close()) QApplication::quit();
+}
+void FrmMain::closeEvent(QCloseEvent* event) {
+    bool leave = true;
+    run([&] { leave = mayDropRecords(session_, *dialogs_); });
+    if (!leave) {
+        event->ignore();
+        return;
+    }
     Exit(session_);
-    close();
-    QApplication::quit();
+    event->accept();
 }
 void FrmMain::onSave() {
     run([&] { Save(session_, *dialogs_); });

@@ -39,6 +39,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    // Exit, Alt+F4 and the title bar's close: unsaved changes are offered for saving first.
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void createMenus();

@@ -63,16 +63,23 @@ Answer QtDialogs::message(const std::string& text, Buttons buttons, Icon icon, c
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         break;
     case Buttons::YesNoDefaultNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+    case Buttons::SaveDiscardCancel:
+        box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        box.setDefaultButton(QMessageBox::Save);
+        box.setEscapeButton(QMessageBox::Cancel);
+        break;
     }
     if (buttons == Buttons::YesNoDefaultNo) {
         box.setDefaultButton(QMessageBox::No);
         box.setEscapeButton(QMessageBox::No);
-    } else if (buttons != Buttons::Ok) {
+    } else if (buttons != Buttons::Ok && buttons != Buttons::SaveDiscardCancel) {
         box.setDefaultButton(QMessageBox::Yes);
     }
     switch (box.exec()) {
-    case QMessageBox::Yes: return Answer::Yes;
-    case QMessageBox::No: return Answer::No;
+    case QMessageBox::Yes:
+    case QMessageBox::Save: return Answer::Yes;
+    case QMessageBox::No:
+    case QMessageBox::Discard: return Answer::No;
     case QMessageBox::Cancel: return Answer::Cancel;
     default: return buttons == Buttons::Ok ? Answer::Ok : Answer::Cancel;
     }

@@ -196,6 +196,7 @@ Outcome CheckDialogue(Session& session, Dialogs& dialogs, SpellChecker* spelling
         InfoRecord& r = session.store.INFO.at(findings.at(i).info);
         std::string text =
             dialogs.editResponse(r.DialogueType == 4 ? "Journal Entry" : r.ONAM, r.Topic, r.NAME);
+        if (text != r.NAME) session.modified = true;
         setResponseText(r, std::move(text));
         return r.NAME;
     });
