@@ -14,7 +14,6 @@ namespace quillon {
 // SaveDiscardCancel: Save answers Yes, Discard No.
 enum class Buttons { Ok, YesNo, YesNoCancel, YesNoDefaultNo, SaveDiscardCancel };
 enum class Icon { None, Information, Question, Warning, Critical };
-enum class Answer { Ok, Yes, No, Cancel };
 
 // Flags of a file request, with the values of the classic common dialog.
 enum FileFlags : unsigned {
@@ -38,9 +37,10 @@ std::string filterExtension(const std::string& filter, int index, const std::str
 // none does.
 int filterIndexOf(const std::string& filter, const std::string& extension);
 
-// What the loop-fixing dialog returns: 0 Accept, 1 Cancel, 2 Skip, with the edited texts.
+// What the loop-fixing dialog returns, with the edited texts.
+enum class LoopFixStatus { Accept, Cancel, Skip };
 struct LoopFix {
-    int status = 2;
+    LoopFixStatus status = LoopFixStatus::Skip;
     std::string text;
     std::string result;
 };

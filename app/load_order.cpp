@@ -100,7 +100,7 @@ private:
 class Quiet : public Prompts {
 public:
     void tell(const std::string&) override {}
-    Reply ask(const Question&, const std::string&, bool) override { return Reply::Cancel; }
+    Answer ask(const Question&, const std::string&, bool) override { return Answer::Cancel; }
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 

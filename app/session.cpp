@@ -30,11 +30,11 @@ void DialogPrompts::tell(const std::string& text) {
     dialogs_.tell(text, Icon::None);
 }
 
-Reply DialogPrompts::ask(const Question& what, const std::string& text, bool withCancel) {
+Answer DialogPrompts::ask(const Question& what, const std::string& text, bool withCancel) {
     switch (dialogs_.ask(what, text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {
-    case Answer::Yes: return Reply::Yes;
-    case Answer::Cancel: return Reply::Cancel;
-    default: return Reply::No;
+    case Answer::Yes: return Answer::Yes;
+    case Answer::Cancel: return Answer::Cancel;
+    default: return Answer::No;
     }
 }
 

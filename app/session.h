@@ -66,7 +66,7 @@ class DialogPrompts : public Prompts {
 public:
     explicit DialogPrompts(Dialogs& dialogs) : dialogs_(dialogs) {}
     void tell(const std::string& text) override;
-    Reply ask(const Question& what, const std::string& text, bool withCancel) override;
+    Answer ask(const Question& what, const std::string& text, bool withCancel) override;
     DamageChoice damagedOutput(const DamageReport& report) override { return dialogs_.damagedOutput(report); }
 
 private:

@@ -110,7 +110,7 @@ std::string CliDialogs::editResponse(const std::string& actor, const std::string
 LoopFix CliDialogs::fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                             const std::string& result, std::int32_t choice) {
     if (loopFix) return loopFix(actor, topic, text, result, choice);
-    return {2, text, result};
+    return {LoopFixStatus::Skip, text, result};
 }
 
 } // namespace quillon

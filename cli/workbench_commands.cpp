@@ -230,7 +230,7 @@ int loopsCommand(Context& c) {
     // command line fixes nothing.
     c.dialogs.loopFix = [](const std::string&, const std::string&, const std::string& text,
                            const std::string& result, std::int32_t) {
-        return LoopFix{2, text, result};
+        return LoopFix{LoopFixStatus::Skip, text, result};
     };
     CheckOptions loopsOnly;
     loopsOnly.only = {"loop"};

@@ -31,7 +31,7 @@ bool checkAll(Session& session, Dialogs& dialogs) {
             for (const std::string& line : lines) {
                 if (!offersChoice(line, c.INTV)) continue;
                 LoopFix fix = dialogs.fixLoop(r.ONAM, r.Topic, r.NAME, r.BNAM, c.INTV);
-                if (fix.status == 0) {
+                if (fix.status == LoopFixStatus::Accept) {
                     // The sizes stay as they were; the writer writes them as stored, and the
                     // write check names the response if they no longer fit.
                     if (fix.text != r.NAME || fix.result != r.BNAM) {
@@ -42,7 +42,7 @@ bool checkAll(Session& session, Dialogs& dialogs) {
                     r.NAME = fix.text;
                     linesCurrent = linesCurrent && fix.result == r.BNAM;
                     r.BNAM = fix.result;
-                } else if (fix.status == 1) {
+                } else if (fix.status == LoopFixStatus::Cancel) {
                     return false;
                 }
             }

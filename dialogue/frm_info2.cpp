@@ -58,8 +58,8 @@ FrmInfo2::FrmInfo2(const std::string& actor, const std::string& topic, const std
     resize(600, 420);
 
     connect(cmdAccept, &QPushButton::clicked, this, &FrmInfo2::acceptFix);
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { finish(1); });
-    connect(cmdSkip, &QPushButton::clicked, this, [this] { finish(2); });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { finish(LoopFixStatus::Cancel); });
+    connect(cmdSkip, &QPushButton::clicked, this, [this] { finish(LoopFixStatus::Skip); });
 }
 
 void FrmInfo2::acceptFix() {
@@ -69,10 +69,10 @@ void FrmInfo2::acceptFix() {
     if (!result) return;
     text_ = *text;
     result_ = *result;
-    finish(0);
+    finish(LoopFixStatus::Accept);
 }
 
-void FrmInfo2::finish(int status) {
+void FrmInfo2::finish(LoopFixStatus status) {
     status_ = status;
     done(QDialog::Accepted);
 }

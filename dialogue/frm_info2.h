@@ -1,4 +1,6 @@
 #pragma once
+#include "app/dialogs.h"
+
 #include <QDialog>
 
 #include <cstdint>
@@ -11,21 +13,21 @@ class QPushButton;
 namespace quillon {
 
 // Shows a response that can loop and lets the writer fix its text and result script, skip it,
-// or stop the check. status(): 0 Accept, 1 Cancel, 2 Skip.
+// or stop the check.
 class FrmInfo2 : public QDialog {
     Q_OBJECT
 public:
     FrmInfo2(const std::string& actor, const std::string& topic, const std::string& text,
              const std::string& result, std::int32_t choice, QWidget* parent = nullptr);
-    int status() const { return status_; }
+    LoopFixStatus status() const { return status_; }
     const std::string& text() const { return text_; }
     const std::string& result() const { return result_; }
 
 private:
     void acceptFix();
-    void finish(int status);
+    void finish(LoopFixStatus status);
 
-    int status_ = 1; // closing the window stops the check, as Cancel does
+    LoopFixStatus status_ = LoopFixStatus::Cancel; // closing the window stops the check, as Cancel does
     std::string text_, result_;
     QPlainTextEdit *txtINFO, *txtResult;
     QLabel *lblChoice, *lblTopic, *lblActor;

@@ -205,15 +205,15 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
             }
             if (!store.SkipUnknownPrompt) {
                 Clock::time_point asked = Clock::now();
-                Reply reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)},
-                                          unknownRecordQuestion(in.pos(), t), true);
+                Answer reply = prompts.ask({QuestionId::UnknownRecord, tagText(t)},
+                                           unknownRecordQuestion(in.pos(), t), true);
                 // Only the last question's time is taken off the result: replaced, not added.
                 pauseMs = msSince(asked);
-                if (reply == Reply::No) {
+                if (reply == Answer::No) {
                     ClearRecords(store);
                     return 0;
                 }
-                if (reply == Reply::Cancel) store.SkipUnknownPrompt = true;
+                if (reply == Answer::Cancel) store.SkipUnknownPrompt = true;
             }
             append(store.Unknown, in, store, readRaw);
             break;

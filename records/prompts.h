@@ -5,7 +5,8 @@
 
 namespace quillon {
 
-enum class Reply { Ok, Yes, No, Cancel };
+// The answer to a question, from whichever front end put it.
+enum class Answer { Ok, Yes, No, Cancel };
 
 // A record that would reach the file damaged: its bytes would not frame as its size words say.
 struct DamagedRecord {
@@ -54,7 +55,7 @@ public:
     // A message with one OK button.
     virtual void tell(const std::string& text) = 0;
     // A question with Yes and No, and Cancel when asked for.
-    virtual Reply ask(const Question& what, const std::string& text, bool withCancel) = 0;
+    virtual Answer ask(const Question& what, const std::string& text, bool withCancel) = 0;
     // Output that would be damaged, before anything is replaced.
     virtual DamageChoice damagedOutput(const DamageReport& report) = 0;
 };

@@ -63,7 +63,7 @@ public:
     LoopFix fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
                     const std::string& result, std::int32_t choice) override {
         editRequests.push_back(actor + "|" + topic + "|" + std::to_string(choice));
-        return pop(loopFixes, LoopFix{2, text, result});
+        return pop(loopFixes, LoopFix{LoopFixStatus::Skip, text, result});
     }
     int optionsShown = 0, aboutShown = 0;
     void editOptions(CleanupSettings&) override { ++optionsShown; }
@@ -97,7 +97,7 @@ private:
 
 class ScriptedPrompts : public Prompts {
 public:
-    std::deque<Reply> replies;
+    std::deque<Answer> replies;
     std::vector<std::string> asked, told;
     std::vector<DamageReport> damageReports;
     DamageChoice damageChoice = DamageChoice::WriteNothing;
@@ -106,10 +106,10 @@ public:
         damageReports.push_back(report);
         return damageChoice;
     }
-    Reply ask(const Question&, const std::string& text, bool) override {
+    Answer ask(const Question&, const std::string& text, bool) override {
         asked.push_back(text);
-        if (replies.empty()) return Reply::Yes;
-        Reply r = replies.front();
+        if (replies.empty()) return Answer::Yes;
+        Answer r = replies.front();
         replies.pop_front();
         return r;
     }

@@ -46,7 +46,7 @@ struct Loaded {
 
 std::unique_ptr<Loaded> load(const std::string& bytes) {
     auto l = std::make_unique<Loaded>();
-    l->prompts.replies = {Reply::Cancel};
+    l->prompts.replies = {Answer::Cancel};
     l->ms = ReadESBuffer(l->store, bytes, l->count, true, l->prompts);
     return l;
 }
@@ -118,7 +118,7 @@ TEST(Corpus, MappedFilesReadAndSaveAsCopiedOnes) {
         setLoading(loading);
         RecordStore store;
         ScriptedPrompts prompts;
-        prompts.replies = {Reply::Cancel};
+        prompts.replies = {Answer::Cancel};
         std::int32_t count = 0;
         EXPECT_GT(ReadESFile(store, path, count, true, prompts), 0);
         return serialiseStore(store, count, fileTypeFor(path), prompts);
@@ -137,7 +137,7 @@ TEST(Corpus, MappedFilesReadAndSaveAsCopiedOnes) {
     setLoading(Loading::Map);
     RecordStore store;
     ScriptedPrompts prompts;
-    prompts.replies = {Reply::Cancel};
+    prompts.replies = {Answer::Cancel};
     std::int32_t count = 0;
     ASSERT_GT(ReadESFile(store, path, count, true, prompts), 0);
     std::string before = serialiseStore(store, count, fileTypeFor(path), prompts);

@@ -187,7 +187,7 @@ TEST(DetectLoops, FindingsFixesAndOutcomes) {
                {"2", "b", "not-equal", "Choice \"Again\" 3", 0, scvr('0', '1', "50", '1')},
                {"3", "c", "short", "C 3", 0, choice3}});
     InfoRecord before = f.session.store.INFO[0];
-    f.dialogs.loopFixes = {{0, "Fixed text, ten longer.", "Goodbye"}};
+    f.dialogs.loopFixes = {{LoopFixStatus::Accept, "Fixed text, ten longer.", "Goodbye"}};
     DetectLoops(f.session, f.dialogs);
     EXPECT_EQ(f.dialogs.editRequests, std::vector<std::string>{"fargoth|Topic|3"});
     EXPECT_EQ(f.session.store.INFO[0].NAME, "Fixed text, ten longer.");
@@ -196,7 +196,7 @@ TEST(DetectLoops, FindingsFixesAndOutcomes) {
     EXPECT_EQ(f.lastLog(), "-Loop check successful.");
 
     Fixture cancel({{"1", "a", "Again?", "Choice \"Again\" 3", 0, choice3}});
-    cancel.dialogs.loopFixes = {{1, "", ""}};
+    cancel.dialogs.loopFixes = {{LoopFixStatus::Cancel, "", ""}};
     DetectLoops(cancel.session, cancel.dialogs);
     EXPECT_EQ(cancel.lastLog(), "-Loop check cancelled.");
     EXPECT_EQ(cancel.session.store.INFO[0].NAME, "Again?");

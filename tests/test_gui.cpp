@@ -231,13 +231,15 @@ TEST(FrmInfo, LengthLimitAndActorLabel) {
 }
 
 TEST(FrmInfo2, StatusesAndTexts) {
-    for (auto [name, status] : {std::pair{"cmdAccept", 0}, {"cmdCancel", 1}, {"cmdSkip", 2}}) {
+    for (auto [name, status] : {std::pair{"cmdAccept", LoopFixStatus::Accept},
+                                {"cmdCancel", LoopFixStatus::Cancel},
+                                {"cmdSkip", LoopFixStatus::Skip}}) {
         FrmInfo2 form("a", "T", "text", "Choice \"x\" 3", 3);
         EXPECT_EQ(form.findChild<QLabel*>("lblChoice")->text(), "Choice: 3");
         form.findChild<QPlainTextEdit*>("txtResult")->setPlainText("Goodbye");
         QTest::mouseClick(form.findChild<QPushButton*>(name), Qt::LeftButton);
         EXPECT_EQ(form.status(), status);
-        EXPECT_EQ(form.result(), status == 0 ? "Goodbye" : "Choice \"x\" 3");
+        EXPECT_EQ(form.result(), status == LoopFixStatus::Accept ? "Goodbye" : "Choice \"x\" 3");
     }
 }
 

@@ -219,7 +219,7 @@ TEST(DamagedOutput, EditsThatLeaveSizesBehindAreNamedAndRepaired) {
     Session s;
     ScriptedDialogs d;
     openPath(s, d, dir.write("loop.esp", plugin));
-    d.loopFixes = {LoopFix{0, "Hello there, friend.", "Goodbye"}};
+    d.loopFixes = {LoopFix{LoopFixStatus::Accept, "Hello there, friend.", "Goodbye"}};
     DetectLoops(s, d);
     ASSERT_EQ(s.store.INFO[0].NAME, "Hello there, friend.");
     EXPECT_FALSE(Save(s, d).isDone());

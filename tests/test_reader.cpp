@@ -15,7 +15,7 @@ struct Read {
     ReadDiagnostics diagnostics;
 };
 
-std::unique_ptr<Read> read(const std::string& bytes, std::deque<Reply> replies = {}) {
+std::unique_ptr<Read> read(const std::string& bytes, std::deque<Answer> replies = {}) {
     auto r = std::make_unique<Read>();
     r->prompts.replies = std::move(replies);
     r->ms = ReadESBuffer(r->store, bytes, r->count, false, r->prompts, &r->diagnostics);
@@ -249,7 +249,7 @@ TEST(ReadDriver, UnreadableFilesAreReportedNotFatal) {
 TEST(ReadDriver, UnknownRecordQuestion) {
     std::string bytes = file(3, {Rec("ZZZZ").sub("DATA", "1234").bytes(), Rec("YYYY").bytes(),
                                  Rec("STAT").z("NAME", "s").bytes()});
-    auto cancel = read(bytes, {Reply::Cancel});
+    auto cancel = read(bytes, {Answer::Cancel});
     ASSERT_EQ(cancel->prompts.asked.size(), 1u); // Cancel is "Yes To All"
     EXPECT_EQ(cancel->prompts.asked[0],
               "Unknown record encountered at address: 324.\r\nContinue reading? Cancel is "
@@ -261,12 +261,12 @@ TEST(ReadDriver, UnknownRecordQuestion) {
     EXPECT_FALSE(cancel->store.SkipUnknownPrompt); // lives for one read only
     EXPECT_EQ(cancel->count, 4);
 
-    auto no = read(bytes, {Reply::No});
+    auto no = read(bytes, {Answer::No});
     EXPECT_EQ(no->ms, 0);
     EXPECT_TRUE(no->store.TES3.empty());
     EXPECT_EQ(no->count, 1); // what was counted before the question stays
 
-    auto yes = read(bytes, {Reply::Yes, Reply::Yes});
+    auto yes = read(bytes, {Answer::Yes, Answer::Yes});
     EXPECT_EQ(yes->prompts.asked.size(), 2u);
 }
 

@@ -16,11 +16,11 @@ public:
 
     void tell(const std::string&) override {}
     void tell(const std::string&, Icon) override {}
-    Reply ask(const Question& what, const std::string&, bool) override {
+    Answer ask(const Question& what, const std::string&, bool) override {
         switch (answerTo(what.id)) {
-        case Answer::Yes: return Reply::Yes;
-        case Answer::Cancel: return Reply::Cancel;
-        default: return Reply::No;
+        case Answer::Yes: return Answer::Yes;
+        case Answer::Cancel: return Answer::Cancel;
+        default: return Answer::No;
         }
     }
     Answer ask(const Question& what, const std::string&, Buttons, Icon, const std::string&) override {
@@ -36,7 +36,7 @@ public:
     }
     LoopFix fixLoop(const std::string&, const std::string&, const std::string& text,
                     const std::string& result, std::int32_t) override {
-        return {2, text, result};
+        return {LoopFixStatus::Skip, text, result};
     }
     void editOptions(CleanupSettings&) override {}
     // A batch run never writes damaged output.

@@ -34,7 +34,7 @@ bool wants(const CheckOptions& options, const char* kind) {
 class Silent : public Prompts {
 public:
     void tell(const std::string&) override {}
-    Reply ask(const Question&, const std::string&, bool) override { return Reply::No; }
+    Answer ask(const Question&, const std::string&, bool) override { return Answer::No; }
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 

@@ -95,7 +95,7 @@ WriteResult WriteESFile(RecordStore& store, const std::string& path, std::int32_
             {QuestionId::WriteSavegame},
             "Writing ESS files is not fully supported right now. Doing so is very likely to produce an "
             "unusable file. Are you sure you want to continue?",
-            false) != Reply::Yes)
+            false) != Answer::Yes)
         return {WriteResult::Declined, 0, {}};
     Clock::time_point start = Clock::now();
     // Written straight to a temporary file as it is made; replacing the target waits for the check.
