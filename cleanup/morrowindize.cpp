@@ -33,14 +33,21 @@ std::vector<std::string> cleanedTexts(const std::vector<InfoRecord>& infos, cons
 
 // Cleans every response, then takes them in store order: a response that grows past the limit is
 // offered for editing or keeps its text.
-void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToAll, std::size_t& changed) {
+// With kept, nothing is asked: over-long results keep their originals and are named there.
+void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToAll, std::size_t& changed,
+              std::vector<std::string>* kept) {
     std::vector<std::string> cleaned = cleanedTexts(session.store.INFO, session.settings, quoteParity);
     for (std::size_t i = 0; i < cleaned.size(); ++i) {
         InfoRecord& r = session.store.INFO[i];
         const std::string original = r.NAME;
         std::string text = std::move(cleaned[i]);
         // The question says 511 while the test is for more than 512: both numbers are intended.
-        if (text.size() > kMaxResponse) {
+        if (text.size() > kMaxResponse && kept) {
+            kept->push_back("kept the original text of a response of \"" + r.ONAM + "\" in \"" + r.Topic +
+                            "\" (INFO " + r.INAM + "): cleaned it would be " + std::to_string(text.size()) +
+                            " characters long");
+            text = original;
+        } else if (text.size() > kMaxResponse) {
             Answer a = noToAll ? Answer::No
                                : dialogs.ask({QuestionId::CleanedTooLong, r.INAM}, kTooLongQuestion,
                                              Buttons::YesNoCancel, Icon::Question, "Clean Up");
@@ -61,7 +68,9 @@ void cleanAll(Session& session, Dialogs& dialogs, bool& quoteParity, bool& noToA
 
 } // namespace
 
-Outcome Morrowindize(Session& session, Dialogs& dialogs) {
+namespace {
+
+Outcome run(Session& session, Dialogs& dialogs, std::vector<std::string>* kept) {
     std::string name = bareName(session.currentPath);
     std::vector<InfoRecord>& infos = session.store.INFO;
     session.log.LogLine("-Morrowindizing " + std::to_string(infos.size()) + " responses from \"" + name +
@@ -70,7 +79,7 @@ Outcome Morrowindize(Session& session, Dialogs& dialogs) {
     bool quoteParity = false, noToAll = false;
     std::size_t changed = 0;
     try {
-        cleanAll(session, dialogs, quoteParity, noToAll, changed);
+        cleanAll(session, dialogs, quoteParity, noToAll, changed, kept);
     } catch (const std::exception&) {
         // Responses already cleaned keep their new texts.
         session.modified = true;
@@ -86,6 +95,16 @@ Outcome Morrowindize(Session& session, Dialogs& dialogs) {
                             "\" have been Morrowindized successfully.");
     dialogs.refreshLog();
     return Outcome::done();
+}
+
+} // namespace
+
+Outcome Morrowindize(Session& session, Dialogs& dialogs) {
+    return run(session, dialogs, nullptr);
+}
+
+Outcome morrowindizeKeepingLongTexts(Session& session, Dialogs& dialogs, std::vector<std::string>& kept) {
+    return run(session, dialogs, &kept);
 }
 
 } // namespace quillon

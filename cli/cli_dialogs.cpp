@@ -29,6 +29,10 @@ std::string forTerminal(const std::string& text) {
     return out;
 }
 
+std::string readOnlyRefusal(const std::string& path) {
+    return "\"" + path + "\" is read-only; it has been left as it is (add --replace-read-only to replace it)";
+}
+
 Answer CliDialogs::unknownRecord(const std::string& text) {
     switch (unknown) {
     case Unknown::Yes: return Answer::Yes;
@@ -63,10 +67,8 @@ Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons, I
     }
     if (what.id == QuestionId::ReplaceReadOnly) {
         if (replaceReadOnly) return Answer::Yes;
-        throw CliError("\"" + what.subject +
-                       "\" is read-only; it has been left as it is (add --replace-read-only to replace it)");
+        throw CliError(readOnlyRefusal(what.subject));
     }
-    if (answer) return answer(what);
     throw CliError("no answer on the command line to: " + forTerminal(text));
 }
 
@@ -101,15 +103,13 @@ std::string CliDialogs::saveFile(const FileRequest&) {
     return std::exchange(savePath, {});
 }
 
-std::string CliDialogs::editResponse(const std::string& actor, const std::string& topic,
-                                     const std::string& text) {
-    if (edit) return edit(actor, topic, text);
+std::string CliDialogs::editResponse(const std::string&, const std::string&, const std::string&) {
     throw CliError("a response needs editing by hand, which the command line cannot do");
 }
 
-LoopFix CliDialogs::fixLoop(const std::string& actor, const std::string& topic, const std::string& text,
-                            const std::string& result, std::int32_t choice) {
-    if (loopFix) return loopFix(actor, topic, text, result, choice);
+// The command line fixes no loop: each is skipped, and listed by the caller.
+LoopFix CliDialogs::fixLoop(const std::string&, const std::string&, const std::string& text,
+                            const std::string& result, std::int32_t) {
     return {LoopFixStatus::Skip, text, result};
 }
 

@@ -26,14 +26,8 @@ public:
     std::ostream* err = &std::cerr; // where messages and warnings go
     std::string openPath;           // the answer to the next open dialog
     std::string savePath;           // the answer to the next save dialog
-    // Answers to a command's own questions; unset questions stop the command with a CliError.
-    std::function<Answer(const Question& what)> answer;
+    // The texts the quote export asks for (the city, speaker names); unset, a CliError.
     std::function<std::string(const Question& what)> inputAnswer;
-    std::function<std::string(const std::string& actor, const std::string& topic, const std::string& text)>
-        edit;
-    std::function<LoopFix(const std::string& actor, const std::string& topic, const std::string& text,
-                          const std::string& result, std::int32_t choice)>
-        loopFix;
 
     void tell(const std::string& text, Icon icon) override;
     Answer ask(const Question& what, const std::string& text, Buttons buttons, Icon icon,
@@ -56,6 +50,9 @@ public:
 private:
     Answer unknownRecord(const std::string& text);
 };
+
+// Why the command line leaves a read-only output as it is.
+std::string readOnlyRefusal(const std::string& path);
 
 // Text for a terminal: CR LF pairs as plain line breaks, other control bytes escaped ("\x1b").
 std::string forTerminal(const std::string& text);

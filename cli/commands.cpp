@@ -185,28 +185,12 @@ int importCommand(Context& c) {
         return 2;
     }
     if (!openInput(c)) return 1;
-    bool removeBreaks = c.args.has("--remove-line-breaks");
-    std::vector<std::string> tooLong; // without --long, every one is named and nothing is written
-    c.dialogs.answer = [&](const Question& what) {
-        if (what.id == QuestionId::RemoveLineBreaks) return removeBreaks ? Answer::Yes : Answer::No;
-        if (longMode == "cancel") return Answer::Cancel;
-        if (longMode.empty()) tooLong.push_back(what.subject);
-        return Answer::No;
-    };
-    if (importDialogueFrom(c.session, c.dialogs, c.args.positional[1]).isFailed()) return 1;
-    for (const std::string& id : tooLong) {
-        const InfoRecord* r = nullptr;
-        for (const InfoRecord& info : c.session.store.INFO)
-            if (info.INAM == id) r = &info;
-        c.err << "quillon: "
-              << forTerminal("response \"" + id + "\" is longer than 512 characters" +
-                             (r ? " (topic \"" + r->Topic + "\", actor \"" + r->ONAM + "\")" : std::string()))
-              << '\n';
-    }
-    if (!tooLong.empty()) {
-        c.err << "quillon: shorten them in the text file or add --long=trim; nothing has been written\n";
-        return 1;
-    }
+    ImportAnswers answers;
+    answers.removeLineBreaks = c.args.has("--remove-line-breaks");
+    // Without --long every over-long response is named and nothing is written; trim and cancel
+    // (the window's "No to all") both trim.
+    answers.longTexts = longMode.empty() ? ImportAnswers::LongTexts::Refuse : ImportAnswers::LongTexts::Trim;
+    if (importDialogueFrom(c.session, c.dialogs, c.args.positional[1], answers).isFailed()) return 1;
     return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
 }
 
@@ -248,21 +232,11 @@ std::set<std::string> kCleanupOptionsWith(std::set<std::string> more) {
 int morrowindizeCommand(Context& c) {
     if (!openInput(c)) return 1;
     c.session.settings = cleanupSettings(c.args);
-    // An over-long result is "edited" into itself, which keeps the original text; this way the
-    // command line learns whose response it was.
-    std::string id; // the response the last question was about
-    c.dialogs.answer = [&](const Question& what) {
-        id = what.subject;
-        return Answer::Yes;
-    };
-    c.dialogs.edit = [&](const std::string& actor, const std::string& topic, const std::string& text) {
-        c.err << forTerminal("quillon: kept the original text of a response of \"" + actor + "\" in \"" +
-                             topic + "\" (INFO " + id + "): cleaned it would be " +
-                             std::to_string(text.size()) + " characters long")
-              << '\n';
-        return text;
-    };
-    if (Morrowindize(c.session, c.dialogs).isFailed()) return 1;
+    std::vector<std::string> kept;
+    Outcome cleaned = morrowindizeKeepingLongTexts(c.session, c.dialogs, kept);
+    for (const std::string& line : kept)
+        c.err << "quillon: " << forTerminal(line) << '\n';
+    if (cleaned.isFailed()) return 1;
     return exitStatus(saveAsPath(c.session, c.dialogs, c.args.value("-o")));
 }
 
@@ -292,9 +266,13 @@ int npcListCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     c.session.useMasters = c.args.has("--with-masters");
-    c.dialogs.savePath = c.args.value("-o");
-    c.dialogs.inputAnswer = [&](const Question&) { return c.args.value("--cell"); };
-    return exitStatus(ExportNpcList(c.session, c.dialogs, format, c.args.has("--no-clones")));
+    NpcListTarget target{c.args.value("-o")};
+    if (isReadOnlyFile(target.path)) {
+        if (!c.args.has("--replace-read-only")) throw CliError(readOnlyRefusal(target.path));
+        target.readOnly = ReadOnlyTarget::Replace;
+    }
+    return exitStatus(writeNpcList(c.session, c.dialogs, target, c.args.value("--cell"), format,
+                                   c.args.has("--no-clones")));
 }
 
 int loadOrderCommand(Context& c) {

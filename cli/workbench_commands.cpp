@@ -227,11 +227,7 @@ int loopsCommand(Context& c) {
     bool several = c.args.positional.size() > 1, failed = false;
     std::size_t found = 0;
     // Findings are listed from the check's loop rule; the loop check itself only logs, since the
-    // command line fixes nothing.
-    c.dialogs.loopFix = [](const std::string&, const std::string&, const std::string& text,
-                           const std::string& result, std::int32_t) {
-        return LoopFix{LoopFixStatus::Skip, text, result};
-    };
+    // command line skips every fix.
     CheckOptions loopsOnly;
     loopsOnly.only = {"loop"};
     for (const std::string& path : c.args.positional) {

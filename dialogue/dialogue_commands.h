@@ -2,6 +2,7 @@
 #include "app/outcome.h"
 #include "app/session.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,11 +15,23 @@ enum class TextEncoding { CodePage, Utf8 };
 Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& path,
                          TextEncoding encoding = TextEncoding::CodePage);
 
-// Import: reads an edited export back, response by response, checking each ID.
+// What an import is told before it runs (the command line's flags) instead of asking as it goes
+// (the window); what is left unset is asked through the dialogs.
+struct ImportAnswers {
+    std::optional<bool> removeLineBreaks;
+    // A response over the game's limit: ask whether to edit it by hand, trim it, or refuse the
+    // whole import naming every such response.
+    enum class LongTexts { Ask, Trim, Refuse } longTexts = LongTexts::Ask;
+};
+
+// Import: reads an edited export back, response by response, checking each ID. All or nothing:
+// the responses change only once the whole text matched and every question was answered.
 Outcome ImportDialogue(Session& session, Dialogs& dialogs);
-Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path);
+Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path,
+                           const ImportAnswers& answers = {});
 // The import of a text file's bytes, after the line-break question.
-Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks);
+Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks,
+                           ImportAnswers::LongTexts longTexts = ImportAnswers::LongTexts::Ask);
 
 // Loop detection: responses shown after choice N whose own script offers choice N again.
 Outcome DetectLoops(Session& session, Dialogs& dialogs);

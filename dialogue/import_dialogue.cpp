@@ -112,8 +112,10 @@ bool readsAsUtf8(const std::string& bytes, const std::vector<InfoRecord>& infos)
 
 class Import {
 public:
-    Import(Session& s, Dialogs& d, bool removeLineBreaks, std::string bytes, bool utf8)
-        : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), in_(std::move(bytes), utf8) {}
+    Import(Session& s, Dialogs& d, bool removeLineBreaks, ImportAnswers::LongTexts longTexts,
+           std::string bytes, bool utf8)
+        : s_(s), d_(d), separator_(removeLineBreaks ? " " : "\r\n"), longTexts_(longTexts),
+          in_(std::move(bytes), utf8) {}
 
     // Reads the whole text first; the responses change only once every one of them matched and
     // every question was answered, so that a mismatch changes nothing.
@@ -126,6 +128,7 @@ public:
             for (current_ = 0; current_ < infos.size(); ++current_)
                 texts[current_] = readOne(infos[current_], current_ + 1 == infos.size());
         }
+        if (!tooLong_.empty()) return;
         for (std::size_t i = 0; i < infos.size(); ++i) {
             InfoRecord& r = infos[i];
             if (texts[i].empty() && !r.NAME.empty())
@@ -137,6 +140,8 @@ public:
         s_.log.LogLine("-Imported " + std::to_string(infos.size()) + " responses to \"" +
                        bareName(s_.currentPath) + "\" successfully.");
     }
+    // The responses over the limit, when told to refuse them: the import then changed nothing.
+    const std::vector<std::string>& tooLong() const { return tooLong_; }
     std::size_t current() const { return current_; }
     std::size_t lineNumber() const { return in_.lineNumber() + (atEndOfFile_ ? 1 : 0); }
     // The ID line found where the current response's was expected, unless the file ended first.
@@ -171,7 +176,12 @@ private:
     }
 
     std::string fitLongText(const InfoRecord& r, std::string text) {
-        if (!noToAll_) {
+        if (longTexts_ == ImportAnswers::LongTexts::Refuse) {
+            tooLong_.push_back("response \"" + r.INAM + "\" is longer than 512 characters (topic \"" +
+                               r.Topic + "\", actor \"" + r.ONAM + "\")");
+            return text;
+        }
+        if (longTexts_ == ImportAnswers::LongTexts::Ask && !noToAll_) {
             Answer a =
                 d_.ask({QuestionId::LongResponse, r.INAM},
                        "The response \"" + r.INAM +
@@ -189,6 +199,8 @@ private:
     Session& s_;
     Dialogs& d_;
     std::string separator_;
+    ImportAnswers::LongTexts longTexts_;
+    std::vector<std::string> tooLong_;
     LineReader in_;
     std::size_t current_ = 0;
     std::string foundId_;
@@ -215,17 +227,22 @@ Outcome ImportDialogue(Session& session, Dialogs& dialogs) {
     return importDialogueFrom(session, dialogs, path);
 }
 
-Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path) {
-    bool removeLineBreaks = dialogs.ask({QuestionId::RemoveLineBreaks}, "Do you want to remove line breaks?",
-                                        Buttons::YesNo, Icon::None, "") == Answer::Yes;
+Outcome importDialogueFrom(Session& session, Dialogs& dialogs, const std::string& path,
+                           const ImportAnswers& answers) {
+    bool removeLineBreaks =
+        answers.removeLineBreaks
+            ? *answers.removeLineBreaks
+            : dialogs.ask({QuestionId::RemoveLineBreaks}, "Do you want to remove line breaks?",
+                          Buttons::YesNo, Icon::None, "") == Answer::Yes;
     std::string error;
     std::string bytes = loadFile(path, error);
     if (!error.empty())
         return reportImportError(session, dialogs, "Cannot read \"" + bareName(path) + "\": " + error + ".");
-    return importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks);
+    return importDialogueText(session, dialogs, std::move(bytes), removeLineBreaks, answers.longTexts);
 }
 
-Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks) {
+Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes, bool removeLineBreaks,
+                           ImportAnswers::LongTexts longTexts) {
     if (session.store.INFO.empty())
         return reportImportError(session, dialogs,
                                  "\"" + bareName(session.currentPath) +
@@ -236,9 +253,16 @@ Outcome importDialogueText(Session& session, Dialogs& dialogs, std::string bytes
     bool bom = bytes.rfind("\xEF\xBB\xBF", 0) == 0;
     if (bom) bytes.erase(0, 3);
     bool utf8 = bom || readsAsUtf8(bytes, session.store.INFO);
-    Import import(session, dialogs, removeLineBreaks, std::move(bytes), utf8);
+    Import import(session, dialogs, removeLineBreaks, longTexts, std::move(bytes), utf8);
     try {
         import.run();
+        if (!import.tooLong().empty()) {
+            std::string list;
+            for (const std::string& line : import.tooLong())
+                list += line + "\n";
+            return reportImportError(session, dialogs,
+                                     list + "Shorten them in the text file; nothing has been imported.");
+        }
         return Outcome::done();
     } catch (const Unstorable& u) {
         char code[16];

@@ -252,7 +252,11 @@ std::string npcListSheet(const RecordStore& store, NpcListFormat format, bool sk
     return sheet.finish(count);
 }
 
-Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
+namespace {
+
+// Failed, with the message, when neither the file nor (with masters) the load order holds cells
+// and NPCs to list.
+Outcome checkCellsAndNpcs(Session& session, Dialogs& dialogs) {
     // With the load order the cells and NPCs are those of every file; the checks read the
     // displayed counts otherwise, not the store.
     const LoadOrder* masters = session.useMasters ? &sessionMasters(session) : nullptr;
@@ -270,6 +274,13 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
         dialogs.tell("No NPCs found in current file.", Icon::None);
         return Outcome::failed("the file holds no NPCs");
     }
+    return Outcome::done();
+}
+
+} // namespace
+
+Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones) {
+    if (Outcome source = checkCellsAndNpcs(session, dialogs); source.isFailed()) return source;
     FileRequest request;
     request.filter = format == NpcListFormat::Html
                          ? "HTML files (*.htm, *.html)|*.htm;*.html|All Files (*.*)| *.*"
@@ -288,6 +299,14 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     std::string answer = dialogs.input(
         {QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");
     if (answer.empty()) return Outcome::declined("no cell name was given");
+    return writeNpcList(session, dialogs, {path, *readOnly}, answer, format, skipClones);
+}
+
+Outcome writeNpcList(Session& session, Dialogs& dialogs, const NpcListTarget& target,
+                     const std::string& answer, NpcListFormat format, bool skipClones) {
+    if (Outcome source = checkCellsAndNpcs(session, dialogs); source.isFailed()) return source;
+    const std::string& path = target.path;
+    const LoadOrder* masters = session.useMasters ? &sessionMasters(session) : nullptr;
     std::string dataName = bareName(session.currentPath);
     session.log.LogLine("-Generating NPC List for cell \"*" + answer + "*\" from \"" + dataName + "\"...");
     dialogs.refreshLog();
@@ -299,7 +318,7 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
                                                                 : "the list could not be written");
     };
     int count = 0;
-    SafeFileWriter file(path, *readOnly);
+    SafeFileWriter file(path, target.readOnly);
     try {
         file.write(npcListSheet(session.store, format, skipClones, answer, count, &file, masters));
     } catch (const std::bad_alloc&) {

@@ -18,6 +18,16 @@ extern const char* const kHomePage;
 // dialogue writers. With skipClones, generic NPCs (guards, ordinators and the like) are left out.
 Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, bool skipClones);
 
+// Where the list goes, and whether it may replace a read-only file there.
+struct NpcListTarget {
+    std::string path;
+    ReadOnlyTarget readOnly = ReadOnlyTarget::Refuse;
+};
+// The list for the cells whose names hold answer, written without a question: the window's
+// command once its answers are in, and the command line's.
+Outcome writeNpcList(Session& session, Dialogs& dialogs, const NpcListTarget& target,
+                     const std::string& answer, NpcListFormat format, bool skipClones);
+
 // The work sheet for the cells whose names hold answer (any case); count gets the NPCs listed.
 // With a drain, all but the returned tail has been written to it. With masters, the cells are
 // those of the whole load order, merged, and NPCs and factions resolve through it.
