@@ -6,6 +6,7 @@
 #include "helpers.h"
 #include "npclist/npc_list.h"
 #include "translation/translation_commands.h"
+#include "writer/es_write.h"
 
 #include <sys/stat.h>
 
@@ -218,4 +219,31 @@ TEST(SaveAs, StartsOnTheOpenFilesTypeAndAddsTheChosenExtension) {
         EXPECT_EQ(d.fileRequests.back().filterIndex, index) << name;
         EXPECT_EQ(d.fileRequests.back().defaultExtension, extension) << name;
     }
+}
+
+TEST(NothingLost, AnImportThatRefusesLongTextsNamesEachAndChangesNothing) {
+    TempDir dir;
+    Session s;
+    ScriptedDialogs d;
+    openPath(s, d, dir.write("p.esp", dialoguePlugin()));
+    ScriptedPrompts prompts;
+    std::string before = serialiseStore(s.store, 3, 0, prompts);
+    std::string text = "\"1\"\r\n\"T\"\r\n\"fargoth\"\r\n\"" + std::string(600, 'a') + "\"\r\n\r\n\r\n" +
+                       "\"2\"\r\n\"T\"\r\n\"fargoth\"\r\n\"" + std::string(513, 'b') + "\"\r\n";
+    ImportAnswers answers;
+    answers.removeLineBreaks = false;
+    answers.longTexts = ImportAnswers::LongTexts::Refuse;
+    EXPECT_TRUE(importDialogueFrom(s, d, dir.write("in.txt", text), answers).isFailed());
+    EXPECT_TRUE(d.asked.empty()); // every answer was given
+    EXPECT_EQ(d.messages.back(),
+              "response \"1\" is longer than 512 characters (topic \"T\", actor \"fargoth\")\n"
+              "response \"2\" is longer than 512 characters (topic \"T\", actor \"fargoth\")\n"
+              "Shorten them in the text file; nothing has been imported.");
+    EXPECT_EQ(serialiseStore(s.store, 3, 0, prompts), before);
+    EXPECT_FALSE(s.modified);
+
+    answers.longTexts = ImportAnswers::LongTexts::Trim;
+    EXPECT_TRUE(importDialogueFrom(s, d, dir.file("in.txt"), answers).isDone());
+    EXPECT_EQ(s.store.INFO[0].NAME, std::string(512, 'a'));
+    EXPECT_TRUE(s.modified);
 }
