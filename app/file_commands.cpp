@@ -5,6 +5,7 @@
 #include "records/es_read.h"
 #include "writer/es_write.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -58,7 +59,7 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
     session.log.LogLine("-Reading \"" + name + "\"...");
     dialogs.refreshLog();
     std::int32_t recordCount = 0;
-    DialogPrompts prompts(dialogs);
+    DialogPrompts prompts(dialogs, session.given);
     ReadDiagnostics diagnostics;
     bool wasWhole = session.readWhole;
     session.readWhole = false; // until the read ends whole: an exception out of it leaves it so
@@ -84,6 +85,13 @@ Outcome openPath(Session& session, Dialogs& dialogs, const std::string& path) {
         if (diagnostics.truncated)
             session.log.LogLine("-Warning: \"" + name +
                                 "\" ends inside a record; its last record is incomplete.");
+        // Kept by a given answer, they would otherwise pass unnoticed.
+        std::size_t unknown =
+            std::size_t(std::count_if(session.store.Unknown.begin(), session.store.Unknown.end(),
+                                      [](const RawRecord& r) { return !r.Whole; }));
+        if (ms > 0 && unknown > 0 && session.given.unknownRecord)
+            session.log.LogLine("-Warning: kept " + std::to_string(unknown) +
+                                " record(s) of unknown type in \"" + name + "\" without a question.");
         if (ms == 0)
             session.log.LogLine("-Warning: reading stopped at a record of unknown type; no record of \"" +
                                 name + "\" is open.");
@@ -143,14 +151,14 @@ namespace {
 // Writes the store to path and logs the outcome; failureLine is the command's own failure text.
 Outcome writeAndReport(Session& session, Dialogs& dialogs, const std::string& path, const char* failureLine) {
     std::string name = bareName(path);
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
     if (!readOnly) {
         session.log.LogLine(failureLine);
         return Outcome::declined("\"" + name + "\" is read-only");
     }
     // The header's count comes from the displayed total, not from the store.
     auto recordCount = std::int32_t(session.counts.number(CountLabel::Total));
-    DialogPrompts prompts(dialogs);
+    DialogPrompts prompts(dialogs, session.given);
     WriteResult result = WriteESFile(session.store, path, recordCount, prompts, *readOnly);
     if (result.status == WriteResult::Failed) {
         session.log.LogLine(failureLine);

@@ -4,8 +4,10 @@
 
 namespace quillon {
 
-std::optional<ReadOnlyTarget> replaceableTarget(Dialogs& dialogs, const std::string& path) {
+std::optional<ReadOnlyTarget> replaceableTarget(Session& session, Dialogs& dialogs, const std::string& path) {
     if (!isReadOnlyFile(path)) return ReadOnlyTarget::Refuse;
+    if (session.given.replaceReadOnly)
+        return *session.given.replaceReadOnly ? std::optional(ReadOnlyTarget::Replace) : std::nullopt;
     Answer answer = dialogs.ask({QuestionId::ReplaceReadOnly, path},
                                 "\"" + bareName(path) + "\" is read-only. Replace it all the same?",
                                 Buttons::YesNoDefaultNo, Icon::Warning, "");

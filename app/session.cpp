@@ -1,5 +1,7 @@
 #include "app/session.h"
 
+#include "app/damage_report.h"
+
 #include <cstdio>
 
 namespace quillon {
@@ -31,11 +33,31 @@ void DialogPrompts::tell(const std::string& text) {
 }
 
 Answer DialogPrompts::ask(const Question& what, const std::string& text, bool withCancel) {
+    if (what.id == QuestionId::UnknownRecord && given_.unknownRecord) return *given_.unknownRecord;
+    if (what.id == QuestionId::WriteSavegame && given_.writeSavegame) return *given_.writeSavegame;
     switch (dialogs_.ask(what, text, withCancel ? Buttons::YesNoCancel : Buttons::YesNo, Icon::None, "")) {
     case Answer::Yes: return Answer::Yes;
     case Answer::Cancel: return Answer::Cancel;
     default: return Answer::No;
     }
+}
+
+DamageChoice DialogPrompts::damagedOutput(const DamageReport& report) {
+    if (!given_.damagedOutput) return dialogs_.damagedOutput(report);
+    DamageChoice choice = *given_.damagedOutput;
+    // A repair that would not frame writes nothing.
+    if (choice == DamageChoice::Repair && !report.repairable) choice = DamageChoice::WriteNothing;
+    const char* verdict = choice == DamageChoice::Repair      ? "repairing them"
+                          : choice == DamageChoice::WriteAsIs ? "writing them as they are"
+                                                              : "nothing has been written";
+    std::string text = std::to_string(report.records.size()) + " record(s) of \"" + report.file +
+                       "\" would be written damaged; " + verdict + ":";
+    for (const DamagedRecord& record : report.records)
+        text += "\n  " + describeDamage(record);
+    if (*given_.damagedOutput == DamageChoice::Repair && !report.repairable)
+        text += "\nA repair would not give a file that reads back whole.";
+    dialogs_.tell(text, Icon::Warning);
+    return choice;
 }
 
 } // namespace quillon

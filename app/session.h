@@ -8,9 +8,19 @@
 #include "records/record_store.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quillon {
+
+// Answers given before a command runs: the command line's flags. A question answered here is not
+// put to the user; the window gives none.
+struct GivenAnswers {
+    std::optional<Answer> unknownRecord; // Yes, No, or Cancel: this one and every further one
+    std::optional<Answer> writeSavegame; // Yes or No
+    std::optional<bool> replaceReadOnly;
+    std::optional<DamageChoice> damagedOutput;
+};
 
 // Everything the main window holds for one working session on one data file.
 struct Session {
@@ -26,6 +36,7 @@ struct Session {
     bool modified = false;
     // Whether dropping changed records (Close, Exit, Open) asks first; the window remembers it.
     bool askBeforeDiscarding = true;
+    GivenAnswers given;
     Log log;
     RecordCounts counts;
     // The file-dependent buttons and menu entries, always switched together.
@@ -61,16 +72,19 @@ std::string formatSeconds(double ms);
 // Text with leading and trailing blanks removed.
 std::string trimBlanks(const std::string& text);
 
-// Reading and writing questions, put to the user through a command's dialogs.
+// Reading and writing questions: answered from the given answers where they hold one, else put
+// to the user through a command's dialogs.
 class DialogPrompts : public Prompts {
 public:
-    explicit DialogPrompts(Dialogs& dialogs) : dialogs_(dialogs) {}
+    DialogPrompts(Dialogs& dialogs, const GivenAnswers& given) : dialogs_(dialogs), given_(given) {}
     void tell(const std::string& text) override;
     Answer ask(const Question& what, const std::string& text, bool withCancel) override;
-    DamageChoice damagedOutput(const DamageReport& report) override { return dialogs_.damagedOutput(report); }
+    // With a given choice the damaged records are still listed, as a message.
+    DamageChoice damagedOutput(const DamageReport& report) override;
 
 private:
     Dialogs& dialogs_;
+    const GivenAnswers& given_;
 };
 
 } // namespace quillon

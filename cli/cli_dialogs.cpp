@@ -1,6 +1,6 @@
 #include "cli/cli_dialogs.h"
 
-#include "app/damage_report.h"
+#include "app/encoding.h"
 
 #include <iostream>
 #include <utility>
@@ -29,78 +29,76 @@ std::string forTerminal(const std::string& text) {
     return out;
 }
 
-std::string readOnlyRefusal(const std::string& path) {
-    return "\"" + path + "\" is read-only; it has been left as it is (add --replace-read-only to replace it)";
+bool toCodePageBytes(std::string& text) {
+    if (!looksLikeUtf8(text)) return true;
+    std::string bytes;
+    char32_t missing = 0;
+    if (!fromUtf8(text, bytes, missing)) return false;
+    text = std::move(bytes);
+    return true;
 }
 
-Answer CliDialogs::unknownRecord(const std::string& text) {
-    switch (unknown) {
-    case Unknown::Yes: return Answer::Yes;
-    case Unknown::No: return Answer::No;
-    case Unknown::YesToAll: return Answer::Cancel;
-    case Unknown::Default:
-        *err << "quillon: warning: " << forTerminal(text)
-             << "\nquillon: keeping it and every further record of unknown type (choose with --unknown=)\n";
-        return Answer::Cancel;
-    case Unknown::Ask: break;
+namespace {
+
+// What answers a question the command line cannot ask.
+const char* flagFor(QuestionId id) {
+    switch (id) {
+    case QuestionId::UnknownRecord: return "choose with --unknown=yes|no|yes-to-all|ask";
+    case QuestionId::WriteSavegame:
+        return "the target is a savegame; add --yes to write it all the same, or --no to leave it";
+    case QuestionId::ReplaceReadOnly:
+        return "it has been left as it is; add --replace-read-only to replace it";
+    default: return "the command line has no answer to it";
     }
-    *err << forTerminal(text) << "\n[y]es, [n]o, [a]ll? ";
-    std::string reply;
-    if (!std::getline(std::cin, reply)) throw CliError("no answer to the unknown-record question");
-    if (!reply.empty() && (reply[0] == 'n' || reply[0] == 'N')) return Answer::No;
-    if (!reply.empty() && (reply[0] == 'a' || reply[0] == 'A')) return Answer::Cancel;
-    return Answer::Yes;
 }
+
+// One line typed on the terminal; a CliError when standard input ends first.
+std::string typedLine(const std::string& asked) {
+    std::string typed;
+    if (!std::getline(std::cin, typed)) throw CliError("no answer to: " + asked);
+    if (!typed.empty() && typed.back() == '\r') typed.pop_back();
+    return typed;
+}
+
+} // namespace
 
 void CliDialogs::tell(const std::string& text, Icon) {
     *err << "quillon: " << forTerminal(text) << "\n";
 }
 
-Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons, Icon, const std::string&) {
-    if (what.id == QuestionId::UnknownRecord) return unknownRecord(text);
-    if (what.id == QuestionId::WriteSavegame) {
-        if (yes) return Answer::Yes;
-        if (no) return Answer::No;
-        throw CliError(
-            "the target is a savegame; writing one is likely to give an unusable file (add --yes to "
-            "write it all the same, or --no to leave it)");
-    }
-    if (what.id == QuestionId::ReplaceReadOnly) {
-        if (replaceReadOnly) return Answer::Yes;
-        throw CliError(readOnlyRefusal(what.subject));
-    }
-    throw CliError("no answer on the command line to: " + forTerminal(text));
+Answer CliDialogs::ask(const Question& what, const std::string& text, Buttons buttons, Icon,
+                       const std::string&) {
+    if (!interactive) throw CliError(text + " (" + flagFor(what.id) + ")");
+    bool withCancel = buttons == Buttons::YesNoCancel || buttons == Buttons::SaveDiscardCancel;
+    *err << forTerminal(text) << (withCancel ? "\n[y]es, [n]o, [a]ll? " : "\n[y]es, [n]o? ");
+    std::string reply = typedLine(text);
+    if (!reply.empty() && (reply[0] == 'n' || reply[0] == 'N')) return Answer::No;
+    if (withCancel && !reply.empty() && (reply[0] == 'a' || reply[0] == 'A')) return Answer::Cancel;
+    return Answer::Yes;
 }
 
-DamageChoice CliDialogs::damagedOutput(const DamageReport& report) {
-    const char* verdict = onDamage == DamageChoice::Repair      ? "repairing them"
-                          : onDamage == DamageChoice::WriteAsIs ? "writing them as they are (--force)"
-                                                                : "nothing has been written";
-    *err << "quillon: " << report.records.size() << " record(s) of \"" << forTerminal(report.file)
-         << "\" would be written damaged; " << verdict << ":\n";
-    for (const DamagedRecord& record : report.records)
-        *err << "  " << forTerminal(describeDamage(record)) << "\n";
-    if (onDamage == DamageChoice::Repair && !report.repairable) {
-        *err << "quillon: a repair would not give a file that reads back whole; nothing has been written\n";
-        return DamageChoice::WriteNothing;
-    }
-    if (onDamage == DamageChoice::WriteNothing)
-        *err << "quillon: --repair writes them with the sizes of what is written; the window offers Repair "
-                "(--force writes them as the format's rules give them)\n";
-    return onDamage;
+// The command line always gives its damage choice; reaching here is a command's fault, and
+// nothing is written.
+DamageChoice CliDialogs::damagedOutput(const DamageReport&) {
+    return DamageChoice::WriteNothing;
 }
 
-std::string CliDialogs::input(const Question& what, const std::string& prompt, const std::string&,
+std::string CliDialogs::input(const Question&, const std::string& prompt, const std::string&,
                               const std::string&) {
-    if (inputAnswer) return inputAnswer(what);
-    throw CliError("no answer on the command line to: " + forTerminal(prompt));
+    if (!interactive) throw CliError("no answer on the command line to: " + prompt);
+    *err << "Name for \"" << forTerminal(toUtf8(prompt)) << "\": ";
+    std::string typed = typedLine(prompt);
+    if (!toCodePageBytes(typed))
+        throw CliError(std::string("the name typed holds a character that ") +
+                       codePageName(activeCodePage()) + " cannot store");
+    return typed;
 }
 
 std::string CliDialogs::openFile(const FileRequest&) {
-    return std::exchange(openPath, {});
+    throw CliError("the command line chooses no file in a dialog");
 }
 std::string CliDialogs::saveFile(const FileRequest&) {
-    return std::exchange(savePath, {});
+    throw CliError("the command line chooses no file in a dialog");
 }
 
 std::string CliDialogs::editResponse(const std::string&, const std::string&, const std::string&) {

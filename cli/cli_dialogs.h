@@ -13,21 +13,14 @@ struct CliError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Answers a command's questions from the command line's flags; messages go to standard error.
+// The command line's dialogs: messages go to standard error. Its flags become the session's given
+// answers before a command runs, so a question that reaches these dialogs has no answer: it ends
+// the command, naming the flag that answers it. Only what the user chose to be asked
+// (--unknown=ask, --ask-names) is asked on the terminal.
 class CliDialogs : public Dialogs {
 public:
-    enum class Unknown { Ask, Yes, No, YesToAll, Default };
-    Unknown unknown = Unknown::Default;
-    bool yes = false;             // answers the savegame question with Yes
-    bool no = false;              // answers it with No
-    bool replaceReadOnly = false; // replace an output file that is read-only
-    // What to do with output that would be damaged: --repair, --force, or write nothing.
-    DamageChoice onDamage = DamageChoice::WriteNothing;
+    bool interactive = false;       // questions and input boxes are put on the terminal
     std::ostream* err = &std::cerr; // where messages and warnings go
-    std::string openPath;           // the answer to the next open dialog
-    std::string savePath;           // the answer to the next save dialog
-    // The texts the quote export asks for (the city, speaker names); unset, a CliError.
-    std::function<std::string(const Question& what)> inputAnswer;
 
     void tell(const std::string& text, Icon icon) override;
     Answer ask(const Question& what, const std::string& text, Buttons buttons, Icon icon,
@@ -46,13 +39,11 @@ public:
     void showFindings(const std::vector<Finding>&, const std::function<std::string(std::size_t)>&) override {}
     void about() override {}
     void refreshLog() override {}
-
-private:
-    Answer unknownRecord(const std::string& text);
 };
 
-// Why the command line leaves a read-only output as it is.
-std::string readOnlyRefusal(const std::string& path);
+// A UTF-8 text from the terminal as the code page's bytes (a text that is not UTF-8 is taken as
+// bytes already); false when a character has no byte in the page.
+bool toCodePageBytes(std::string& text);
 
 // Text for a terminal: CR LF pairs as plain line breaks, other control bytes escaped ("\x1b").
 std::string forTerminal(const std::string& text);

@@ -2,6 +2,7 @@
 
 #include "app/encoding.h"
 #include "app/file_commands.h"
+#include "app/replace_target.h"
 #include "cleanup/morrowindize.h"
 #include "cleanup/text_rules.h"
 #include "cli/arguments.h"
@@ -134,17 +135,6 @@ struct Command {
     bool fileList = false;               // takes one file or more
 };
 
-// A UTF-8 text from the command line as the code page's bytes (a text that is not UTF-8 is taken
-// as bytes already); false when a character has no byte in the page.
-bool toCodePageBytes(std::string& text) {
-    if (!looksLikeUtf8(text)) return true;
-    std::string bytes;
-    char32_t missing = 0;
-    if (!fromUtf8(text, bytes, missing)) return false;
-    text = std::move(bytes);
-    return true;
-}
-
 int countsCommand(Context& c) {
     bool several = c.args.positional.size() > 1, allRead = true;
     for (const std::string& path : c.args.positional) {
@@ -202,22 +192,13 @@ int quotesCommand(Context& c) {
     }
     if (!openInput(c)) return 1;
     c.session.useMasters = c.args.has("--with-masters");
-    bool askNames = c.args.has("--ask-names");
-    c.dialogs.inputAnswer = [&](const Question& what) {
-        if (what.id == QuestionId::CityName) return c.args.value("--city");
-        const std::string& name = what.subject;
-        if (!askNames) return name; // a speaker name holding "_" stays as it is
-        c.err << "Name for \"" << forTerminal(toUtf8(name)) << "\": ";
-        std::string typed;
-        if (!std::getline(std::cin, typed)) throw CliError("no answer for the speaker name \"" + name + "\"");
-        if (!toCodePageBytes(typed))
-            throw CliError(std::string("the name typed holds a character that ") +
-                           codePageName(activeCodePage()) + " cannot store");
-        return typed;
-    };
-    c.dialogs.savePath = c.args.value("-o");
-    return exitStatus(format == "xml" ? ExportQuotesXml(c.session, c.dialogs)
-                                      : ExportQuotesKst(c.session, c.dialogs));
+    QuoteExport request{c.args.value("-o"), ReadOnlyTarget::Refuse, c.args.value("--city"),
+                        c.args.has("--ask-names")};
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.session, c.dialogs, request.path);
+    if (!readOnly) return 1;
+    request.readOnly = *readOnly;
+    return exitStatus(format == "xml" ? writeQuotesXml(c.session, c.dialogs, request)
+                                      : writeQuotesKst(c.session, c.dialogs, request));
 }
 
 const std::set<std::string> kCleanupOptions = {
@@ -267,10 +248,9 @@ int npcListCommand(Context& c) {
     if (!openInput(c)) return 1;
     c.session.useMasters = c.args.has("--with-masters");
     NpcListTarget target{c.args.value("-o")};
-    if (isReadOnlyFile(target.path)) {
-        if (!c.args.has("--replace-read-only")) throw CliError(readOnlyRefusal(target.path));
-        target.readOnly = ReadOnlyTarget::Replace;
-    }
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.session, c.dialogs, target.path);
+    if (!readOnly) return 1;
+    target.readOnly = *readOnly;
     return exitStatus(writeNpcList(c.session, c.dialogs, target, c.args.value("--cell"), format,
                                    c.args.has("--no-clones")));
 }
@@ -367,18 +347,27 @@ const std::vector<Command>& commands() {
     return list;
 }
 
-bool setUnknownMode(CliDialogs& dialogs, const std::string& mode) {
-    if (mode.empty()) return true;
-    if (mode == "ask")
-        dialogs.unknown = CliDialogs::Unknown::Ask;
-    else if (mode == "yes")
-        dialogs.unknown = CliDialogs::Unknown::Yes;
-    else if (mode == "no")
-        dialogs.unknown = CliDialogs::Unknown::No;
-    else if (mode == "yes-to-all")
-        dialogs.unknown = CliDialogs::Unknown::YesToAll;
-    else
+// The flags as the answers of the questions they settle; false when --unknown has no such value.
+// Records of unknown type are kept by default (every one, without a question); ask puts the
+// question on the terminal, as --ask-names does the speaker names.
+bool giveAnswers(Context& c) {
+    GivenAnswers& given = c.session.given;
+    std::string unknown = c.args.value("--unknown");
+    if (unknown == "yes")
+        given.unknownRecord = Answer::Yes;
+    else if (unknown == "no")
+        given.unknownRecord = Answer::No;
+    else if (unknown.empty() || unknown == "yes-to-all")
+        given.unknownRecord = Answer::Cancel;
+    else if (unknown != "ask")
         return false;
+    c.dialogs.interactive = unknown == "ask" || c.args.has("--ask-names");
+    if (c.args.has("--yes")) given.writeSavegame = Answer::Yes;
+    if (c.args.has("--no")) given.writeSavegame = Answer::No;
+    if (c.args.has("--replace-read-only")) given.replaceReadOnly = true;
+    given.damagedOutput = c.args.has("--repair")  ? DamageChoice::Repair
+                          : c.args.has("--force") ? DamageChoice::WriteAsIs
+                                                  : DamageChoice::WriteNothing;
     return true;
 }
 
@@ -440,7 +429,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         std::unique_ptr<Context> held(new Context{parsed, out, err, {}, {}, {}, {}});
         LeftToExit left{held, teardown == Teardown::LeaveToExit};
         Context& c = *held;
-        if (!setUnknownMode(c.dialogs, parsed.value("--unknown"))) {
+        if (!giveAnswers(c)) {
             err << "quillon: --unknown takes ask, yes, no or yes-to-all\n";
             return 2;
         }
@@ -450,11 +439,6 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
                 << ": --yes and --no, or --repair and --force, exclude each other\n";
             return 2;
         }
-        c.dialogs.yes = parsed.has("--yes");
-        c.dialogs.no = parsed.has("--no");
-        c.dialogs.replaceReadOnly = parsed.has("--replace-read-only");
-        if (parsed.has("--repair")) c.dialogs.onDamage = DamageChoice::Repair;
-        if (parsed.has("--force")) c.dialogs.onDamage = DamageChoice::WriteAsIs;
         c.dialogs.err = &err;
         c.session.log.onLine = [&c](const std::string& line) { c.err << forTerminal(line) << '\n'; };
         c.session.masterSearch.dataFolders = parsed.all("--data");

@@ -62,7 +62,7 @@ int translateTemplateCommand(Context& c) {
         addTemplateEntries(c.session.store, bareName(path), entries);
     }
     std::string out = c.args.value("-o");
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.dialogs, out);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.session, c.dialogs, out);
     if (!readOnly) return 1;
     std::string error = replaceFileSafely(out, poText(entries, bareName(c.args.positional[0])), *readOnly);
     if (!error.empty()) {

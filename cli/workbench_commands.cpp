@@ -195,6 +195,7 @@ int checkCommand(Context& c) {
 int diffDialogueCommand(Context& c) {
     Session older;
     older.log.onLine = c.session.log.onLine;
+    older.given = c.session.given;
     if (!openPath(older, c.dialogs, c.args.positional[0]).isDone() || !open(c, c.args.positional[1]))
         return 1;
     std::vector<DialogueChange> changes = diffDialogue(older.store, c.session.store);

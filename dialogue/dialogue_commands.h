@@ -1,6 +1,7 @@
 #pragma once
 #include "app/outcome.h"
 #include "app/session.h"
+#include "writer/safe_file.h"
 
 #include <optional>
 #include <string>
@@ -39,9 +40,20 @@ Outcome DetectLoops(Session& session, Dialogs& dialogs);
 // The lines of a result script, as written, that loop detection finds offering the choice.
 std::vector<std::string> linesOfferingChoice(const std::string& script, std::int32_t choice);
 
-// Quote exports of one city: an XML file, or a Kestrel quote file of 576-byte records.
+// Quote exports of one city: an XML file, or a Kestrel quote file of 576-byte records. They ask for
+// the file and the city, then write as below.
 Outcome ExportQuotesXml(Session& session, Dialogs& dialogs);
 Outcome ExportQuotesKst(Session& session, Dialogs& dialogs);
+// What a quote export is given: its file (and whether it may replace a read-only one), its city,
+// and whether the Kestrel file's speaker names holding "_" are offered for retyping.
+struct QuoteExport {
+    std::string path;
+    ReadOnlyTarget readOnly = ReadOnlyTarget::Refuse;
+    std::string city;
+    bool retypeNames = true;
+};
+Outcome writeQuotesXml(Session& session, Dialogs& dialogs, const QuoteExport& request);
+Outcome writeQuotesKst(Session& session, Dialogs& dialogs, const QuoteExport& request);
 
 // The log and message every dialogue command uses when the store holds no responses or a step fails.
 Outcome reportExportError(Session& session, Dialogs& dialogs);

@@ -58,7 +58,7 @@ Outcome exportDialogueTo(Session& session, Dialogs& dialogs, const std::string& 
     std::string text = dialogueText(infos);
     // The mark tells the import that the text is UTF-8, however its bytes might also read.
     if (encoding == TextEncoding::Utf8) text = "\xEF\xBB\xBF" + toUtf8(text);
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
     if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::string error = replaceFileSafely(path, text, *readOnly);
     if (!error.empty()) {

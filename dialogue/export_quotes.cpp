@@ -141,7 +141,7 @@ Target askForFile(Session& session, Dialogs& dialogs, const char* filter, const 
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return {};
     session.openFolder = folderOf(path);
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
     if (!readOnly) return {};
     return {path, *readOnly};
 }
@@ -187,6 +187,19 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
         askForFile(session, dialogs, "XML files (*.xml)|*.xml| All Files (*.*)| *.*", ".xml");
     if (path.empty()) return Outcome::declined("no file was chosen");
     std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
+    return writeQuotesXml(session, dialogs, {path, readOnly, city});
+}
+
+Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
+    auto [path, readOnly] =
+        askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
+    return writeQuotesKst(session, dialogs, {path, readOnly, city});
+}
+
+Outcome writeQuotesXml(Session& session, Dialogs& dialogs, const QuoteExport& request) {
+    const auto& [path, readOnly, city, retypeNames] = request;
     std::string out = "<quotes>";
     if (hasNoResponses(session)) {
         replaceFileSafely(path, out, readOnly);
@@ -208,11 +221,8 @@ Outcome ExportQuotesXml(Session& session, Dialogs& dialogs) {
     return finish(session, dialogs, path, file, out);
 }
 
-Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
-    auto [path, readOnly] =
-        askForFile(session, dialogs, "Kestrel Quote Files (*.kst)|*.kst| All Files (*.*)| *.*", ".kst");
-    if (path.empty()) return Outcome::declined("no file was chosen");
-    std::string city = dialogs.input({QuestionId::CityName}, kCityPrompt, "", "");
+Outcome writeQuotesKst(Session& session, Dialogs& dialogs, const QuoteExport& request) {
+    const auto& [path, readOnly, city, retypeNames] = request;
     if (hasNoResponses(session)) {
         replaceFileSafely(path, "", readOnly);
         return reportExportError(session, dialogs);
@@ -227,7 +237,7 @@ Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
         // A name holding "_" is offered for retyping, the typed text replacing it; when that leaves
         // no name, the actor ID stands in and is offered the same way.
         auto retyped = [&](const std::string& name) {
-            return name.find('_') != std::string::npos
+            return retypeNames && name.find('_') != std::string::npos
                        ? dialogs.input({QuestionId::SpeakerName, name}, name, "", "")
                        : name;
         };

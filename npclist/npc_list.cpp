@@ -294,7 +294,7 @@ Outcome ExportNpcList(Session& session, Dialogs& dialogs, NpcListFormat format, 
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");
     // The old list stays until the new one is complete: a cancelled cell name keeps it.
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
     if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::string answer = dialogs.input(
         {QuestionId::CellName}, "Enter any part of cell name:\r\n\r\nNOTE: Case sensitive", "Quillon", "");

@@ -226,7 +226,7 @@ TEST(Corpus, EditorsFilesSaveWithoutAQuestion) {
         CliRun plain = cli({"save", path, "-o", saved});
         if (kUnknownAt.count(name(path))) {
             EXPECT_EQ(plain.status, 1);
-            EXPECT_NE(plain.err.find("--repair writes them with the sizes of what is written"),
+            EXPECT_NE(plain.err.find("would be written damaged; nothing has been written:"),
                       std::string::npos);
             continue;
         }

@@ -66,7 +66,8 @@ TEST(NothingLost, ReadOnlyFilesAreReplacedOnlyWhenTheUserSaysSo) {
     for (const auto& args : commands) {
         CliRun r = cli(args);
         EXPECT_EQ(r.status, 1) << args[0] << r.err;
-        EXPECT_NE(r.err.find("is read-only; it has been left as it is (add --replace-read-only"),
+        EXPECT_NE(r.err.find("is read-only. Replace it all the same? (it has been left as it is; add "
+                             "--replace-read-only to replace it)"),
                   std::string::npos)
             << args[0] << r.err;
         expectUntouched(plugin, pluginBefore, args[0]);

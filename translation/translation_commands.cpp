@@ -22,7 +22,7 @@ Outcome ExportTranslationTemplate(Session& session, Dialogs& dialogs) {
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(dialogs, path);
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
     if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::vector<PoEntry> entries;
     addTemplateEntries(session.store, bareName(session.recordsPath), entries);
