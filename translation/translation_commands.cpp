@@ -22,11 +22,16 @@ Outcome ExportTranslationTemplate(Session& session, Dialogs& dialogs) {
     request.initialFolder = session.openFolder;
     std::string path = dialogs.saveFile(request);
     if (path.empty()) return Outcome::declined("no file was chosen");
-    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
-    if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
     std::vector<PoEntry> entries;
     addTemplateEntries(session.store, bareName(session.recordsPath), entries);
-    std::string error = replaceFileSafely(path, poText(entries, bareName(session.recordsPath)), *readOnly);
+    return writeTemplate(session, dialogs, entries, bareName(session.recordsPath), path);
+}
+
+Outcome writeTemplate(Session& session, Dialogs& dialogs, const std::vector<PoEntry>& entries,
+                      const std::string& sourceName, const std::string& path) {
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(session, dialogs, path);
+    if (!readOnly) return Outcome::declined("\"" + bareName(path) + "\" is read-only");
+    std::string error = replaceFileSafely(path, poText(entries, sourceName), *readOnly);
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" could not be written: " + error + ".", Icon::Critical);
         return Outcome::failed("the template could not be written");
@@ -36,13 +41,7 @@ Outcome ExportTranslationTemplate(Session& session, Dialogs& dialogs) {
     return Outcome::done();
 }
 
-Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
-    FileRequest request;
-    request.filter = kPoFilter;
-    request.flags = FileMustExist;
-    request.initialFolder = session.openFolder;
-    std::string path = dialogs.openFile(request);
-    if (path.empty()) return Outcome::declined("no file was chosen");
+std::optional<std::vector<PoEntry>> readPoFile(Dialogs& dialogs, const std::string& path) {
     std::string error;
     std::string text = loadFile(path, error);
     std::vector<PoEntry> po;
@@ -50,24 +49,23 @@ Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
     if (!error.empty()) {
         dialogs.tell("\"" + bareName(path) + "\" cannot be read as a PO file: " + error + ".",
                      Icon::Critical);
-        return Outcome::failed("the PO file cannot be read");
+        return std::nullopt;
     }
+    return po;
+}
+
+Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
+    FileRequest request;
+    request.filter = kPoFilter;
+    request.flags = FileMustExist;
+    request.initialFolder = session.openFolder;
+    std::string path = dialogs.openFile(request);
+    if (path.empty()) return Outcome::declined("no file was chosen");
+    std::optional<std::vector<PoEntry>> po = readPoFile(dialogs, path);
+    if (!po) return Outcome::failed("the PO file cannot be read");
     TranslationReport report;
-    applyTranslation(session.store, po, report);
-    if (!report.refused.empty()) {
-        std::string list;
-        for (std::size_t i = 0; i < report.refused.size() && i < 10; ++i)
-            list += "\n" + report.refused[i];
-        dialogs.tell(
-            std::to_string(report.refused.size()) + " translation(s) hold a character " +
-                codePageName(activeCodePage()) +
-                " cannot store; nothing has been applied. Choose the code page of the translation under "
-                "Edit > Code Page." +
-                list,
-            Icon::Critical);
-        return Outcome::failed("a translation holds a character the code page lacks");
-    }
-    if (report.applied != 0 || report.topicsRenamed != 0 || report.callsRenamed != 0) session.modified = true;
+    Outcome applied = applyPo(session, dialogs, *po, bareName(path), report);
+    if (applied.isFailed()) return applied;
     std::string summary = "Applied " + std::to_string(report.applied) + " translation(s); renamed " +
                           std::to_string(report.topicsRenamed) + " topic(s) and " +
                           std::to_string(report.callsRenamed) + " AddTopic call(s).";
@@ -81,8 +79,31 @@ Outcome ApplyTranslation(Session& session, Dialogs& dialogs) {
             summary += " " + script;
     }
     dialogs.tell(summary + "\nSave to keep the translation.", Icon::Information);
-    session.log.LogLine("-Applied " + std::to_string(report.applied) + " translations from \"" +
-                        bareName(path) + "\"; " + std::to_string(report.stale.size()) + " stale.");
+    return applied;
+}
+
+Outcome applyPo(Session& session, Dialogs& dialogs, const std::vector<PoEntry>& po, const std::string& poName,
+                TranslationReport& report) {
+    applyTranslation(session.store, po, report);
+    if (!report.refused.empty()) {
+        std::string list;
+        for (std::size_t i = 0; i < report.refused.size() && i < 10; ++i)
+            list += "\n" + report.refused[i];
+        dialogs.tell(
+            std::to_string(report.refused.size()) + " translation(s) hold a character " +
+                codePageName(activeCodePage()) +
+                " cannot store; nothing has been applied. Choose the code page of the translation (Edit > "
+                "Code Page in the window, --code-page on the command line)." +
+                list,
+            Icon::Critical);
+        return Outcome::failed("a translation holds a character the code page lacks");
+    }
+    if (report.applied != 0 || report.topicsRenamed != 0 || report.callsRenamed != 0) session.modified = true;
+    session.log.LogLine("-Applied " + std::to_string(report.applied) + " translations from \"" + poName +
+                        "\" to \"" + bareName(session.recordsPath) + "\"; " +
+                        std::to_string(report.topicsRenamed) + " topics and " +
+                        std::to_string(report.callsRenamed) + " AddTopic calls renamed, " +
+                        std::to_string(report.stale.size()) + " stale.");
     return Outcome::done();
 }
 
