@@ -9,6 +9,7 @@
 #include "writer/es_write.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace quillon;
 using namespace quillon::test;
@@ -91,8 +92,16 @@ TEST(NothingLost, ReadOnlyFilesAreReplacedOnlyWhenTheUserSaysSo) {
     EXPECT_EQ(lastLog(s), "-An error occured. Nothing has been written.");
     expectUntouched(plugin, pluginBefore, "window save answered No");
     ::chmod(plugin.c_str(), 0640);
+    // Another owner and group are kept where the system lets this user give them.
+    bool superuser = ::geteuid() == 0 && ::chown(plugin.c_str(), 1234, 5678) == 0;
     EXPECT_TRUE(Save(s, d).isDone());
-    EXPECT_EQ(stateOf(plugin).mode, mode_t(0640));
+    struct stat saved {};
+    ::stat(plugin.c_str(), &saved);
+    EXPECT_EQ(saved.st_mode & 07777, mode_t(0640));
+    if (superuser) {
+        EXPECT_EQ(saved.st_uid, uid_t(1234));
+        EXPECT_EQ(saved.st_gid, gid_t(5678));
+    }
 }
 
 TEST(NothingLost, OutputsAppearOnlyOnceComplete) {
