@@ -5,12 +5,16 @@
 #include "records/read_common.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillon {
 
@@ -46,17 +50,40 @@ private:
     std::map<std::string, std::map<std::string, std::string>> listings_;
 };
 
+// At most n bytes of an open file, ending at a short read.
+std::string readUpTo(int fd, std::size_t n) {
+    std::string bytes(n, '\0');
+    std::size_t got = 0;
+    while (got < n) {
+        ssize_t r = ::read(fd, bytes.data() + got, n - got);
+        if (r < 0 && errno == EINTR) continue;
+        if (r <= 0) break;
+        got += std::size_t(r);
+    }
+    bytes.resize(got);
+    return bytes;
+}
+
 // The masters a data file's header names, read from its first record alone: a header is a few
-// hundred bytes, and at most a megabyte of the file is read whatever its size word says.
+// hundred bytes, and at most a megabyte of the file is read whatever its size word says. The file
+// is opened without waiting and read no further than the size it reports, so that a file whose
+// reads block (a device, /proc/kmsg) or a size of 0 ends the read at once.
 std::vector<MasterEntry> headerMasters(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string bytes(16, '\0');
-    if (!file.read(bytes.data(), 16)) return {};
-    std::int32_t size;
-    std::memcpy(&size, bytes.data() + 4, 4);
-    bytes.resize(16 + std::size_t(std::clamp<std::int32_t>(size, 0, 1 << 20)));
-    file.read(bytes.data() + 16, std::streamsize(bytes.size() - 16));
-    bytes.resize(16 + std::size_t(file.gcount()));
+    int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return {};
+    struct stat info {};
+    std::string bytes;
+    if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size >= 16) {
+        std::size_t limit = std::size_t(std::min<off_t>(info.st_size, 16 + (1 << 20)));
+        bytes = readUpTo(fd, 16);
+        if (bytes.size() == 16) {
+            std::int32_t size;
+            std::memcpy(&size, bytes.data() + 4, 4);
+            std::size_t body = std::min(std::size_t(std::clamp<std::int32_t>(size, 0, 1 << 20)), limit - 16);
+            bytes += readUpTo(fd, body);
+        }
+    }
+    ::close(fd);
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     if (!in.nextIs(tag("TES3"))) return {};
     Tes3Record header;
@@ -68,24 +95,44 @@ std::vector<MasterEntry> headerMasters(const std::string& path) {
 class Search {
 public:
     Search(LoadOrder& order, FolderFiles& files) : order_(order), files_(files) {}
-    // Each master of entries not yet placed: its own masters first, then itself.
+    // Each master of entries not yet placed: its own masters first, then itself. The walk keeps
+    // its own stack, since a chain of masters as deep as files make it would overflow the
+    // program's.
     void place(const std::vector<MasterEntry>& entries, const std::string& namedBy) {
-        for (const MasterEntry& entry : entries) {
+        struct Step {
+            std::vector<MasterEntry> entries;
+            std::string namedBy;
+            std::size_t next = 0;
+            std::unique_ptr<MasterFile> waiting; // placed once its own masters are
+        };
+        std::vector<Step> steps;
+        steps.push_back({entries, namedBy, 0, nullptr});
+        while (!steps.empty()) {
+            Step& step = steps.back();
+            if (step.next == step.entries.size()) {
+                std::unique_ptr<MasterFile> done = std::move(step.waiting);
+                steps.pop_back();
+                if (done) order_.masters.push_back(std::move(done));
+                continue;
+            }
+            MasterEntry entry = step.entries[step.next++];
+            std::string by = step.namedBy;
             if (entry.MAST.empty() || !seen_.insert(foldedKey(entry.MAST)).second) continue;
             auto master = std::make_unique<MasterFile>();
             master->name = entry.MAST;
             master->recordedSize = entry.MasterSize;
-            master->namedBy = namedBy;
+            master->namedBy = by;
             master->path = files_.find(entry.MAST);
-            if (master->found()) {
-                std::error_code ec;
-                master->size = std::int64_t(fs::file_size(master->path, ec));
-                std::vector<MasterEntry> own = headerMasters(master->path);
-                for (const MasterEntry& m : own)
-                    if (!m.MAST.empty()) master->masters.push_back(m.MAST);
-                place(own, entry.MAST);
+            if (!master->found()) {
+                order_.masters.push_back(std::move(master));
+                continue;
             }
-            order_.masters.push_back(std::move(master));
+            std::error_code ec;
+            master->size = std::int64_t(fs::file_size(master->path, ec));
+            std::vector<MasterEntry> own = headerMasters(master->path);
+            for (const MasterEntry& m : own)
+                if (!m.MAST.empty()) master->masters.push_back(m.MAST);
+            steps.push_back({std::move(own), entry.MAST, 0, std::move(master)});
         }
     }
 
@@ -96,11 +143,17 @@ private:
 };
 
 // Prompts that keep records of unknown type and tell nothing: a master is context, not the file
-// the user opened.
+// the user opened. A tag that is not four visible characters is no record at all: the read stops
+// there, keeping what it read, rather than walking gigabytes of zeros 16 bytes at a time.
 class Quiet : public Prompts {
 public:
     void tell(const std::string&) override {}
-    Answer ask(const Question&, const std::string&, bool) override { return Answer::Cancel; }
+    Answer ask(const Question& what, const std::string&, bool) override {
+        bool visible = what.subject.size() == 4 && std::all_of(what.subject.begin(), what.subject.end(), [](char c) {
+                           return c > ' ' && c < 0x7F;
+                       });
+        return visible ? Answer::Cancel : Answer::Ok;
+    }
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 
@@ -134,6 +187,11 @@ LoadOrder findMasters(const RecordStore& own, const std::string& path, const Mas
     fs::path beside = fs::path(path).parent_path();
     folders.push_back(beside.empty() ? "." : beside.string());
     FolderFiles files(folders);
+    // A master's place in the load order is one byte of a reference's index: the game addresses
+    // no more than 255; every one named is still looked for, as OpenMW does.
+    if (std::size_t named = own.TES3.front().Masters.size(); named > 255)
+        order.searchNotes.push_back(fs::path(path).filename().string() + " names " + std::to_string(named) +
+                                    " masters; references can address only 255");
     Search(order, files).place(own.TES3.front().Masters, fs::path(path).filename().string());
     return order;
 }
@@ -144,7 +202,11 @@ void readMasters(LoadOrder& order) {
         if (!master->found()) continue;
         Quiet prompts;
         std::int32_t count = 0;
-        ReadESFile(master->store, master->path, count, true, prompts);
+        ReadDiagnostics diagnostics;
+        ReadESFile(master->store, master->path, count, true, prompts, &diagnostics);
+        if (diagnostics.stoppedAt != 0)
+            order.searchNotes.push_back(master->name + " holds bytes that are not records from byte " +
+                                        std::to_string(diagnostics.stoppedAt) + " on; it was read up to there");
     }
     order.readMs =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();

@@ -188,6 +188,7 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
     ByteCursor in(reinterpret_cast<const std::uint8_t*>(source->data()), size);
     in.keepForeignSubRecords(openmwFile);
     PassedBytes passed(*source, 0);
+    bool stopped = false;
     // A record needs more than its tag: four bytes or fewer left over are passed over.
     for (; !in.failed() && in.remaining() > 4; passed.reached(in.pos())) {
         Tag t = in.peekTag();
@@ -213,11 +214,17 @@ double readSource(RecordStore& store, std::shared_ptr<const SourceBytes> source,
                     ClearRecords(store);
                     return 0;
                 }
+                if (reply == Answer::Ok) {
+                    if (diagnostics) diagnostics->stoppedAt = in.pos();
+                    stopped = true;
+                    break;
+                }
                 if (reply == Answer::Cancel) store.SkipUnknownPrompt = true;
             }
             append(store.Unknown, in, store, readRaw);
             break;
         }
+        if (stopped) break;
         // A savegame's records hold sub-records of its own, read with them.
         if (t == tag("TES3") && !store.TES3.empty() && (store.TES3.back().FileType & 0xFF) == 32)
             in.keepForeignSubRecords(true);

@@ -16,6 +16,9 @@ struct ReadDiagnostics {
     // The records a walk of the file's size words finds: a read that derails at a damaged record
     // reads fewer.
     std::size_t recordsInFile = 0;
+    // Where a read stopped, keeping what it had read, because the unknown-record question was
+    // answered Ok (a context read at bytes that are not a record); 0 when it did not.
+    std::size_t stoppedAt = 0;
 };
 
 // Reads the whole data file at path into store. Returns the milliseconds spent (less the time the

@@ -24,7 +24,8 @@ struct DamageReport {
 
 // What a question asks, so that a front end answers it by what it is and never by its words.
 enum class QuestionId {
-    UnknownRecord,        // reading: keep a record of unknown type (Cancel: every further one)?
+    UnknownRecord,        // reading: keep a record of unknown type (Cancel: every further one; Ok:
+                          // stop here, keeping what was read)?
     WriteSavegame,        // writing a savegame, which is not fully supported
     ReplaceOtherFile,     // Save after a refused Open: replace a file the records were not read from?
     OverwriteChangedFile, // Save over a file another program changed since it was read

@@ -34,7 +34,8 @@ bool refused(const std::string& path, std::string& error) {
 }
 
 std::shared_ptr<const SourceBytes> mapped(const std::string& path, std::string& error) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Without waiting: a file whose reads block (a device, /proc/kmsg) must not hang the program.
+    int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
         error = "the file cannot be opened";
         return nullptr;

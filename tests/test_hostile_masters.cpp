@@ -1,0 +1,73 @@
+// Load orders made to hurt: chains of masters deeper than any stack, masters that are not data
+// files, more masters than a reference can address. Each ends with its listing or a clear line.
+#include "app/load_order.h"
+#include "cli_run.h"
+#include "helpers.h"
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+std::string headerNaming(const std::vector<std::string>& masters) {
+    Rec r("TES3");
+    r.sub("HEDR", hedr(0));
+    for (const std::string& name : masters)
+        r.z("MAST", name).sub("DATA", std::string(8, '\0'));
+    return r.bytes();
+}
+
+} // namespace
+
+// Each master names the next: the walk is as deep as the files make it.
+TEST(HostileMasters, AChainDeeperThanAnyStackIsListedWhole) {
+    TempDir dir;
+    for (int length : {1000, 20000}) {
+        for (int i = 0; i < length; ++i)
+            dir.write("m" + std::to_string(i) + ".esm",
+                      i + 1 < length ? headerNaming({"m" + std::to_string(i + 1) + ".esm"})
+                                     : headerNaming({}));
+        std::string plugin = dir.write("p.esp", headerNaming({"m0.esm"}));
+        CliRun r = cli({"load-order", plugin});
+        EXPECT_EQ(r.status, 0) << r.err;
+        // Deepest first: each master after its own masters.
+        EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), length);
+        EXPECT_EQ(r.out.substr(0, ("m" + std::to_string(length - 1) + ".esm: ").size()),
+                  "m" + std::to_string(length - 1) + ".esm: ");
+    }
+}
+
+TEST(HostileMasters, MoreMastersThanAReferenceCanAddressAreNamedAndAllKept) {
+    TempDir dir;
+    std::vector<std::string> names;
+    for (int i = 0; i < 300; ++i)
+        names.push_back("x" + std::to_string(i) + ".esm");
+    std::string plugin = dir.write("p.esp", headerNaming(names));
+    CliRun r = cli({"load-order", plugin});
+    EXPECT_NE(r.err.find("p.esp names 300 masters; references can address only 255"), std::string::npos)
+        << r.err;
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 300); // none cut
+}
+
+// A master that turns into zeros after its records is read up to them, and the rest is named
+// rather than walked 16 bytes at a time.
+TEST(HostileMasters, BytesThatAreNotRecordsEndAMastersRead) {
+    TempDir dir;
+    std::string records = Rec("GLOB").z("NAME", "kept").sub("FNAM", "f").sub("FLTV", le32(0)).bytes();
+    for (std::size_t zeros : {std::size_t(1) << 20, std::size_t(4) << 20}) {
+        std::string master = headerNaming({}) + records;
+        std::size_t stopsAt = master.size();
+        dir.write("Zeros.esm", master + std::string(zeros, '\0'));
+        std::string plugin = dir.write("p.esp", headerNaming({"Zeros.esm"}));
+        RecordStore own = readStore(readAll(plugin));
+        MasterSearch search;
+        LoadOrder order = findMasters(own, plugin, search);
+        readMasters(order);
+        ASSERT_EQ(order.masters.size(), 1u);
+        EXPECT_EQ(order.masters[0]->store.GLOB.size(), 1u);
+        EXPECT_TRUE(order.masters[0]->store.Unknown.empty());
+        ASSERT_EQ(order.searchNotes.size(), 1u);
+        EXPECT_EQ(order.searchNotes[0], "Zeros.esm holds bytes that are not records from byte " +
+                                            std::to_string(stopsAt) + " on; it was read up to there");
+    }
+}
