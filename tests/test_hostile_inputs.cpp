@@ -1,5 +1,7 @@
-// Load orders made to hurt: chains of masters deeper than any stack, masters that are not data
-// files, more masters than a reference can address. Each ends with its listing or a clear line.
+// Inputs made to hurt the newer paths: load orders with chains of masters deeper than any stack,
+// masters that are not data files, more masters than a reference can address; size words at the
+// ends of their range; outputs that would overwrite inputs. Each ends with its output or a clear
+// line, and under the sanitizers without a report.
 #include "app/load_order.h"
 #include "cli_run.h"
 #include "helpers.h"
@@ -69,5 +71,38 @@ TEST(HostileMasters, BytesThatAreNotRecordsEndAMastersRead) {
         ASSERT_EQ(order.searchNotes.size(), 1u);
         EXPECT_EQ(order.searchNotes[0], "Zeros.esm holds bytes that are not records from byte " +
                                             std::to_string(stopsAt) + " on; it was read up to there");
+    }
+}
+
+// Size words at the ends of their range, through every command that does arithmetic on sizes.
+TEST(HostileSizes, ExtremeSizeWordsEndEveryCommandCleanly) {
+    TempDir dir;
+    auto sub = [](const char* tag, std::int32_t size, const std::string& bytes) {
+        return std::string(tag) + le32(size) + bytes;
+    };
+    std::string info = Rec("INFO")
+                           .z("INAM", "1")
+                           .sub("DATA", std::string(12, '\0'))
+                           .z("ONAM", "a")
+                           .raw(sub("SCVR", INT32_MIN, "01000Name") + sub("NAME", INT32_MAX, "Hi there"))
+                           .bytes();
+    std::string plugin = dir.write("p.esp", oneTopic({info}));
+    std::string text = dir.write("t.txt", "\"1\"\r\n\"T\"\r\n\"a\"\r\n\"A longer text than before.\"\r\n");
+    std::string po = dir.write("t.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
+                                       "msgctxt \"T|1\"\nmsgid \"Hi there\"\nmsgstr \"Salut\"\n");
+    for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+             {"counts", plugin},
+             {"check", plugin},
+             {"loops", plugin},
+             {"save", plugin, "-o", dir.file("s.esp"), "--repair"},
+             {"export-dialogue", plugin, "-o", dir.file("e.txt")},
+             {"import-dialogue", plugin, text, "-o", dir.file("i.esp"), "--repair"},
+             {"morrowindize", plugin, "-o", dir.file("m.esp"), "--all", "--repair"},
+             {"translate", plugin, po, "-o", dir.file("tr.esp"), "--repair"},
+             {"translate-template", plugin, "-o", dir.file("t.pot")},
+         }) {
+        CliRun r = cli(args);
+        EXPECT_TRUE(r.status == 0 || r.status == 1) << args[0] << ": " << r.err;
+        EXPECT_NE(r.err.find("-Reading \"p.esp\""), std::string::npos) << args[0];
     }
 }
