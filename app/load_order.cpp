@@ -149,9 +149,8 @@ class Quiet : public Prompts {
 public:
     void tell(const std::string&) override {}
     Answer ask(const Question& what, const std::string&, bool) override {
-        bool visible = what.subject.size() == 4 && std::all_of(what.subject.begin(), what.subject.end(), [](char c) {
-                           return c > ' ' && c < 0x7F;
-                       });
+        bool visible = what.subject.size() == 4 && std::all_of(what.subject.begin(), what.subject.end(),
+                                                               [](char c) { return c > ' ' && c < 0x7F; });
         return visible ? Answer::Cancel : Answer::Ok;
     }
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
@@ -206,7 +205,8 @@ void readMasters(LoadOrder& order) {
         ReadESFile(master->store, master->path, count, true, prompts, &diagnostics);
         if (diagnostics.stoppedAt != 0)
             order.searchNotes.push_back(master->name + " holds bytes that are not records from byte " +
-                                        std::to_string(diagnostics.stoppedAt) + " on; it was read up to there");
+                                        std::to_string(diagnostics.stoppedAt) +
+                                        " on; it was read up to there");
     }
     order.readMs =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();

@@ -9,6 +9,7 @@
 #include "writer/safe_file.h"
 
 #include <filesystem>
+#include <map>
 
 namespace quillon {
 
@@ -52,16 +53,38 @@ int translateCommand(Context& c) {
         c.err << "quillon translate: give -o OUT for one file, or --out-dir DIR for one or more\n";
         return 2;
     }
+    std::vector<std::string> targets;
+    for (const std::string& file : files)
+        targets.push_back(outDir.empty() ? out : (std::filesystem::path(outDir) / bareName(file)).string());
+    // A folder of outputs must not be where an input would be replaced, nor take two inputs of
+    // one name: the second would silently win.
+    if (!outDir.empty()) {
+        std::map<std::string, std::string> writtenBy;
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            std::error_code ec;
+            std::string key = std::filesystem::weakly_canonical(targets[i], ec).string();
+            auto [at, fresh] = writtenBy.emplace(ec ? targets[i] : key, files[i]);
+            std::string clash = !fresh ? "\"" + at->second + "\" and \"" + files[i] +
+                                             "\" would both be written to \"" + targets[i] + "\""
+                                : std::filesystem::equivalent(files[i], targets[i], ec)
+                                    ? "\"" + targets[i] + "\" is \"" + files[i] + "\" itself"
+                                    : std::string();
+            if (!clash.empty()) {
+                c.err << "quillon translate: " << forTerminal(clash)
+                      << "; choose another --out-dir; nothing has been written\n";
+                return 1;
+            }
+        }
+    }
     std::optional<std::vector<PoEntry>> po = readPoFile(c.dialogs, poPath);
     if (!po) return 1;
     int status = 0;
-    for (const std::string& file : files) {
-        if (!openPath(c.session, c.dialogs, file).isDone()) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (!openPath(c.session, c.dialogs, files[i]).isDone()) {
             status = 1;
             continue;
         }
-        std::string target = outDir.empty() ? out : (std::filesystem::path(outDir) / bareName(file)).string();
-        status = std::max(status, translateOne(c, *po, bareName(poPath), target));
+        status = std::max(status, translateOne(c, *po, bareName(poPath), targets[i]));
     }
     return status;
 }

@@ -106,3 +106,28 @@ TEST(HostileSizes, ExtremeSizeWordsEndEveryCommandCleanly) {
         EXPECT_NE(r.err.find("-Reading \"p.esp\""), std::string::npos) << args[0];
     }
 }
+
+// A folder of outputs that would replace an input, or take two inputs of one name, is refused
+// before anything is written.
+TEST(HostileOutputs, TranslationsNeverOverwriteTheirInputs) {
+    TempDir dir;
+    std::filesystem::create_directories(dir.file("a"));
+    std::filesystem::create_directories(dir.file("b"));
+    std::filesystem::create_directories(dir.file("out"));
+    std::string plugin = oneTopic({response("1", "a", "Hello.")});
+    std::string first = dir.write("a/x.esp", plugin), second = dir.write("b/x.esp", plugin);
+    std::string po = dir.write("t.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n");
+    CliRun same = cli({"translate", first, second, po, "--out-dir", dir.file("out")});
+    EXPECT_EQ(same.status, 1);
+    EXPECT_NE(same.err.find("would both be written to"), std::string::npos) << same.err;
+    EXPECT_FALSE(std::filesystem::exists(dir.file("out/x.esp")));
+
+    CliRun own = cli({"translate", first, po, "--out-dir", dir.file("a")});
+    EXPECT_EQ(own.status, 1);
+    EXPECT_NE(own.err.find("x.esp\" itself; choose another --out-dir"), std::string::npos) << own.err;
+    EXPECT_TRUE(readAll(first) == plugin);
+
+    CliRun fine = cli({"translate", first, po, "--out-dir", dir.file("out")});
+    EXPECT_EQ(fine.status, 0) << fine.err;
+    EXPECT_TRUE(std::filesystem::exists(dir.file("out/x.esp")));
+}

@@ -1,5 +1,6 @@
 // quillon-gui [FILE]: the main window; a file given here is opened as Open would open it.
 #include "ui/frm_main.h"
+#include "writer/safe_file.h"
 
 #include <QApplication>
 
@@ -20,6 +21,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     std::signal(SIGXFSZ, SIG_IGN); // a write past a file-size limit fails and is reported
+    quillon::removeTemporaryOnSignals();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     quillon::Session session;

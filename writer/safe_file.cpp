@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -13,6 +14,41 @@
 namespace quillon {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+// The temporary file being written under a name, for removal by a signal handler: plain bytes,
+// since a handler may not touch a std::string being changed.
+char inProgress[4096] = "";
+volatile std::sig_atomic_t hasInProgress = 0;
+
+void noteInProgress(const std::string& name) {
+    hasInProgress = 0;
+    if (name.size() >= sizeof inProgress) return;
+    std::memcpy(inProgress, name.c_str(), name.size() + 1);
+    hasInProgress = 1;
+}
+
+} // namespace
+
+void removeTemporaryInProgress() {
+    if (hasInProgress) ::unlink(inProgress);
+}
+
+namespace {
+
+void endedBySignal(int signal) {
+    removeTemporaryInProgress();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+} // namespace
+
+void removeTemporaryOnSignals() {
+    for (int signal : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(signal, endedBySignal);
+}
 
 bool isReadOnlyFile(const std::string& path) {
     struct stat st {};
@@ -47,6 +83,7 @@ SafeFileWriter::SafeFileWriter(const std::string& path, ReadOnlyTarget readOnly)
         tempName_ = (fs::path(folder_) / ".quillon-XXXXXX").string();
         fd_ = ::mkstemp(tempName_.data());
         named_ = fd_ >= 0;
+        if (named_) noteInProgress(tempName_);
     }
     if (fd_ < 0) {
         fail(errno, "cannot create a file in \"" + folder_ + "\": " + std::strerror(errno));
@@ -64,6 +101,7 @@ SafeFileWriter::SafeFileWriter(const std::string& path, ReadOnlyTarget readOnly)
 SafeFileWriter::~SafeFileWriter() {
     if (fd_ >= 0) ::close(fd_);
     if (named_) ::unlink(tempName_.c_str());
+    hasInProgress = 0;
 }
 
 void SafeFileWriter::fail(int systemError, std::string text) {
@@ -107,9 +145,10 @@ std::string SafeFileWriter::commit() {
             tempName_ = (fs::path(folder_) /
                          (".quillon-" + std::to_string(::getpid()) + "-" + std::to_string(attempt)))
                             .string();
-            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, tempName_.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, tempName_.c_str(), AT_SYMLINK_FOLLOW) == 0) {
                 named_ = true;
-            else if (errno != EEXIST || attempt == 100)
+                noteInProgress(tempName_);
+            } else if (errno != EEXIST || attempt == 100)
                 fail(errno, std::strerror(errno));
         }
     }
@@ -118,6 +157,7 @@ std::string SafeFileWriter::commit() {
     if (error_.empty() && ::rename(tempName_.c_str(), target_.c_str()) != 0)
         fail(errno, std::strerror(errno));
     if (error_.empty()) named_ = false; // the temporary name is now the target's
+    if (!named_) hasInProgress = 0;
     return error_;
 }
 

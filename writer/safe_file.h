@@ -49,6 +49,13 @@ private:
     gid_t group_ = 0;
 };
 
+// Removes the named temporary file of the replacement in progress, if any; safe to call from a
+// signal handler, so that a program ended by a signal leaves no half-written file behind (where
+// the system has unnamed temporary files, none is ever named before it is complete).
+void removeTemporaryInProgress();
+// Ends the program on SIGTERM, SIGINT and SIGHUP as usual, but first removes that file.
+void removeTemporaryOnSignals();
+
 // The whole replacement at once: the returned text says what went wrong (empty on success), and
 // systemError, when given, the system's error number.
 std::string replaceFileSafely(const std::string& path, const std::string& bytes,
