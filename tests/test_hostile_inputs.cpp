@@ -131,3 +131,29 @@ TEST(HostileOutputs, TranslationsNeverOverwriteTheirInputs) {
     EXPECT_EQ(fine.status, 0) << fine.err;
     EXPECT_TRUE(std::filesystem::exists(dir.file("out/x.esp")));
 }
+
+// One result-script line of thousands of choices: every command's output grows with the line,
+// not with its square.
+TEST(HostileScripts, OutputGrowsWithTheLineNotItsSquare) {
+    TempDir dir;
+    auto outputs = [&](int pairs) {
+        std::string line = "Choice \"again\" 1"; // the response's own choice: a loop
+        for (int i = 0; i < pairs; ++i)
+            line += " \"a\" " + std::to_string(i + 2); // none answered: a finding each
+        std::string path = dir.write("p.esp", oneTopic({response("1", "a", "Hi.", line)}));
+        std::vector<std::size_t> sizes;
+        for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+                 {"check", path}, {"check", path, "--only", "choice"}, {"loops", path}}) {
+            CliRun r = cli(args);
+            sizes.push_back(r.out.size() + r.err.size());
+        }
+        return sizes;
+    };
+    std::vector<std::size_t> small = outputs(1000), large = outputs(4000);
+    for (std::size_t i = 0; i < small.size(); ++i) {
+        if (i < 2) {
+            EXPECT_GT(small[i], 1000u * 20); // a finding for each choice
+        }
+        EXPECT_LT(large[i], small[i] * 6) << "command " << i << ": " << small[i] << " then " << large[i];
+    }
+}

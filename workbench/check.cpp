@@ -26,6 +26,9 @@ const char* const kFindingKinds[11] = {"master", "unknown",   "damage", "loop", 
 
 namespace {
 
+// The longest part of a script line a finding quotes.
+constexpr std::size_t kLineExcerpt = 200;
+
 bool wants(const CheckOptions& options, const char* kind) {
     return options.only.empty() || options.only.count(kind);
 }
@@ -56,27 +59,32 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
     if (options.masters)
         for (const auto& m : options.masters->masters)
             learn(m->store);
+    bool loops = wants(options, "loop"), choices = wants(options, "choice"), added = wants(options, "topic");
     for (std::size_t i = 0; i < infos.size(); ++i) {
         const InfoRecord& r = infos[i];
         if (r.BNAM.empty()) continue;
         std::vector<std::string> lines = scriptLines(r.BNAM), written = writtenLines(r.BNAM);
         for (std::size_t n = 0; n < lines.size(); ++n) {
+            // A finding names its line by an excerpt: a line of thousands of choices makes as
+            // many findings, and each holding the whole line would grow the output with its square.
+            std::string line = readableExcerpt(written[n], kLineExcerpt);
             for (const InfoCondition& c : r.Conditions)
-                if (wants(options, "loop") && isChoiceCondition(c) && r.BNAM.size() > 5 &&
-                    offersChoice(lines[n], c.INTV))
-                    out.push_back(
-                        aboutResponse(infos, i, "loop",
-                                      "choice " + std::to_string(c.INTV) + " offered again: " + written[n]));
-            for (std::int32_t choice : choicesOn(lines[n]))
-                if (!shownOn[r.Topic].count(choice))
+                if (loops && isChoiceCondition(c) && r.BNAM.size() > 5 && offersChoice(lines[n], c.INTV))
                     out.push_back(aboutResponse(
-                        infos, i, "choice",
-                        "choice " + std::to_string(choice) +
-                            " is offered but no response of the topic is shown on it: " + written[n]));
-            for (const std::string& topic : topicsAddedOn(lines[n]))
-                if (!topics.count(foldedKey(topic)))
-                    out.push_back(aboutResponse(infos, i, "topic",
-                                                "AddTopic \"" + topic + "\" names no topic: " + written[n]));
+                        infos, i, "loop", "choice " + std::to_string(c.INTV) + " offered again: " + line));
+            if (choices)
+                for (std::int32_t choice : choicesOn(lines[n]))
+                    if (!shownOn[r.Topic].count(choice))
+                        out.push_back(aboutResponse(
+                            infos, i, "choice",
+                            "choice " + std::to_string(choice) +
+                                " is offered but no response of the topic is shown on it: " + line));
+            if (added)
+                for (const std::string& topic : topicsAddedOn(lines[n]))
+                    if (!topics.count(foldedKey(topic)))
+                        out.push_back(aboutResponse(infos, i, "topic",
+                                                    "AddTopic \"" + readableExcerpt(topic, kLineExcerpt) +
+                                                        "\" names no topic: " + line));
         }
     }
 }
