@@ -246,6 +246,32 @@ std::string jsonString(std::string_view bytes) {
     return out + "\"";
 }
 
+std::string jsonFileName(std::string_view name) {
+    static const char* const kHex = "0123456789abcdef";
+    std::string out = "\"";
+    for (std::size_t p = 0; p < name.size();) {
+        auto [c, n] = decodeAt(name, p);
+        if (n == 0) {
+            // Not UTF-8: the byte as a lone low surrogate, the escape that gives it back whole
+            // (Python's "surrogateescape"), rather than a replacement character.
+            auto b = static_cast<unsigned char>(name[p++]);
+            out += "\\udc";
+            out += kHex[b >> 4];
+            out += kHex[b & 0xF];
+        } else if (const char* escaped = n == 1 ? backslashEscape(name[p]) : nullptr) {
+            out += escaped;
+        } else if (c < 0x20 || (c >= 0x7F && c <= 0x9F)) {
+            out += "\\u00";
+            out += kHex[(c >> 4) & 0xF];
+            out += kHex[c & 0xF];
+        } else {
+            out.append(name, p, n);
+        }
+        p += n;
+    }
+    return out + "\"";
+}
+
 std::string csvField(std::string_view utf8) {
     if (utf8.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(utf8);
     std::string out = "\"";

@@ -37,6 +37,9 @@ std::string utf8Of(char32_t c);
 const char* backslashEscape(char c);
 // A JSON string, quotes included, of the file's bytes.
 std::string jsonString(std::string_view bytes);
+// A file name as a JSON string: the system's names are UTF-8 and kept as they are; a byte that is
+// not UTF-8 becomes \udcXX, so that the name can be recovered byte for byte.
+std::string jsonFileName(std::string_view name);
 // A CSV field (RFC 4180) of UTF-8 text: quoted when it holds a comma, a quote or a line break.
 std::string csvField(std::string_view utf8);
 

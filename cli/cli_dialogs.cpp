@@ -7,11 +7,15 @@
 
 namespace quillon {
 
-std::string forTerminal(const std::string& text) {
+namespace {
+
+std::string escaped(const std::string& text, bool oneLine) {
     static const char* const kHex = "0123456789abcdef";
     std::string out;
     out.reserve(text.size());
-    auto plain = [](unsigned char c) { return (c >= 0x20 && c != 0x7F) || c == '\n' || c == '\t'; };
+    auto plain = [&](unsigned char c) {
+        return (c >= 0x20 && c != 0x7F && c != 0xC2) || c == '\t' || (c == '\n' && !oneLine);
+    };
     for (std::size_t i = 0; i < text.size(); ++i) {
         std::size_t run = i;
         while (run < text.size() && plain(static_cast<unsigned char>(text[run])))
@@ -20,13 +24,38 @@ std::string forTerminal(const std::string& text) {
         if (run == text.size()) break;
         i = run;
         auto c = static_cast<unsigned char>(text[i]);
-        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        // Control bytes from a data file are shown, never obeyed: an ESC could rewrite the screen.
+        if (c == 0xC2) {
+            // U+0080 to U+009F are controls too (0x8D, 0x9D of a code page become them): a
+            // terminal may obey them as it obeys ESC.
+            auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+            if (next >= 0x80 && next <= 0x9F) {
+                out += "\\u00";
+                out += kHex[next >> 4];
+                out += kHex[next & 0xF];
+                ++i;
+            } else {
+                out += char(c);
+            }
+            continue;
+        }
+        if (c == '\r' && !oneLine && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        // Control bytes from a data file are shown, never obeyed: an ESC could rewrite the screen,
+        // and a line break could print a line of its own.
         out += "\\x";
         out += kHex[c >> 4];
         out += kHex[c & 0xF];
     }
     return out;
+}
+
+} // namespace
+
+std::string forTerminal(const std::string& text) {
+    return escaped(text, false);
+}
+
+std::string terminalLine(const std::string& text) {
+    return escaped(looksLikeUtf8(text) ? text : toUtf8(text), true);
 }
 
 bool toCodePageBytes(std::string& text) {

@@ -47,5 +47,9 @@ bool toCodePageBytes(std::string& text);
 
 // Text for a terminal: CR LF pairs as plain line breaks, other control bytes escaped ("\x1b").
 std::string forTerminal(const std::string& text);
+// One line for a terminal, in UTF-8 (a text that is not UTF-8 is taken as the code page's): as
+// forTerminal, with line breaks escaped too, so that a text from a file never prints a line of
+// its own.
+std::string terminalLine(const std::string& text);
 
 } // namespace quillon

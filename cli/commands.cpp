@@ -259,19 +259,21 @@ int loadOrderCommand(Context& c) {
     if (!openInput(c)) return 1;
     LoadOrder order = findMasters(c.session.store, c.session.recordsPath, c.session.masterSearch);
     for (const std::string& note : order.searchNotes)
-        c.err << "quillon: " << forTerminal(note) << '\n';
+        c.err << "quillon: " << terminalLine(note) << '\n';
+    // Names from the files are the code page's; paths and the plugin's own name are the system's.
+    auto named = [](const std::string& text) { return looksLikeUtf8(text) ? text : toUtf8(text); };
     for (const auto& m : order.masters) {
-        std::string line = m->name + ": ";
+        std::string line = toUtf8(m->name) + ": ";
         if (!m->found())
             line += "not found";
         else
             line += m->path + " (" + groupedNumber(m->size) + " bytes" +
-                    (m->changed()
-                         ? "; " + m->namedBy + " recorded " + groupedNumber(m->recordedSize) + ": changed"
+                    (m->changed() ? "; " + named(m->namedBy) + " recorded " + groupedNumber(m->recordedSize) +
+                                        ": changed"
                      : m->recordedSize != 0 ? ", as recorded"
                                             : "") +
                     ")";
-        c.out << forTerminal(line) << '\n';
+        c.out << terminalLine(line) << '\n';
     }
     if (order.masters.empty())
         c.err << "quillon: " << forTerminal(c.args.positional[0]) << " names no masters\n";
@@ -440,7 +442,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             return 2;
         }
         c.dialogs.err = &err;
-        c.session.log.onLine = [&c](const std::string& line) { c.err << forTerminal(line) << '\n'; };
+        c.session.log.onLine = [&c](const std::string& line) { c.err << terminalLine(line) << '\n'; };
         c.session.masterSearch.dataFolders = parsed.all("--data");
         c.session.masterSearch.openMwConfig = parsed.value("--openmw-cfg");
         try {

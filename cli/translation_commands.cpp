@@ -98,11 +98,11 @@ int checkTranslationCommand(Context& c) {
     for (const Finding& f : checkTranslation(c.session.store, po)) {
         std::string subject = responseName(f.id, f.topic, f.actor);
         items.push_back(
-            json ? "{\"file\": " + jsonString(c.args.positional[0]) + ", \"kind\": " + jsonString(f.kind) +
+            json ? "{\"file\": " + jsonFileName(c.args.positional[0]) + ", \"kind\": " + jsonString(f.kind) +
                        ", \"id\": " + jsonString(f.id) + ", \"topic\": " + jsonString(f.topic) +
                        ", \"actor\": " + jsonString(f.actor) + ", \"detail\": " + jsonString(f.detail) + "}"
-                 : forTerminal(c.args.positional[0] + ": " + f.kind + ": " +
-                               toUtf8(subject + ": " + f.detail)));
+                 : terminalLine(c.args.positional[0] + ": " + f.kind + ": " +
+                                toUtf8(subject + ": " + f.detail)));
     }
     if (json)
         printJson(c.out, items);

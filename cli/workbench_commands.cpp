@@ -78,11 +78,11 @@ std::string findingLine(const std::string& file, const Finding& f) {
         line.append(": ");
         appendUtf8(line, oneLine(f.before) + " -> " + oneLine(f.after));
     }
-    return forTerminal(line);
+    return terminalLine(line);
 }
 
 std::string findingJson(const std::string& file, const Finding& f) {
-    std::string json = "{\"file\": " + jsonString(file) + ", \"kind\": " + jsonString(f.kind) +
+    std::string json = "{\"file\": " + jsonFileName(file) + ", \"kind\": " + jsonString(f.kind) +
                        ", \"record\": " + jsonString(f.record) + ", \"id\": " + jsonString(f.id) +
                        ", \"topic\": " + jsonString(f.topic) + ", \"actor\": " + jsonString(f.actor) +
                        ", \"detail\": " + jsonString(f.detail);
@@ -182,7 +182,7 @@ int checkCommand(Context& c) {
              }))
             parts.push_back(std::move(part));
         for (const std::string& note : notes)
-            c.err << "quillon: " << forTerminal(path + ": " + note) << "\n";
+            c.err << "quillon: " << terminalLine(path + ": " + note) << "\n";
     }
     if (json)
         printJson(c.out, parts);
@@ -214,7 +214,7 @@ int diffDialogueCommand(Context& c) {
         if (d.change == "added") line += oneLine(d.after);
         if (d.change == "removed") line += oneLine(d.before);
         if (d.change == "changed") line += oneLine(d.before) + " -> " + oneLine(d.after);
-        items.push_back(forTerminal(toUtf8(line)));
+        items.push_back(terminalLine(toUtf8(line)));
     }
     if (json)
         printJson(c.out, items);
@@ -238,8 +238,8 @@ int loopsCommand(Context& c) {
         }
         for (const Finding& f : checkDialogue(c.session.store, 0, loopsOnly)) {
             ++found;
-            c.out << forTerminal((several ? path + ": " : std::string()) +
-                                 toUtf8(responseName(f.id, f.topic, f.actor) + ": " + f.detail))
+            c.out << terminalLine((several ? path + ": " : std::string()) +
+                                  toUtf8(responseName(f.id, f.topic, f.actor) + ": " + f.detail))
                   << '\n';
         }
     }

@@ -157,3 +157,30 @@ TEST(HostileScripts, OutputGrowsWithTheLineNotItsSquare) {
         EXPECT_LT(large[i], small[i] * 6) << "command " << i << ": " << small[i] << " then " << large[i];
     }
 }
+
+// Texts from a file never print a line of their own, nor reach the terminal as controls.
+TEST(HostileTexts, NoTextFromAFileForgesATerminalLine) {
+    TempDir dir;
+    std::string forged = "x\nin/ok.esp: all clear, 0 findings\x8d\x9d";
+    std::string plugin =
+        dir.write("p.esp", file(0, {Rec("DIAL").z("NAME", forged).sub("DATA", std::string(1, '\0')).bytes(),
+                                    response(forged, "a", "Hi.", "AddTopic \"" + forged + "\"")}));
+    CliRun check = cli({"check", plugin, "--only", "topic"});
+    EXPECT_EQ(std::count(check.out.begin(), check.out.end(), '\n'), 1) << check.out;
+    EXPECT_NE(check.out.find("x\\x0ain/ok.esp"), std::string::npos) << check.out;
+    EXPECT_NE(check.out.find("\\u008d\\u009d"), std::string::npos) << check.out; // C1 controls, escaped
+    EXPECT_EQ(check.out.find("\xc2\x8d"), std::string::npos);
+
+    std::string master = dir.write(
+        "m.esp",
+        Rec("TES3").sub("HEDR", hedr(0)).z("MAST", forged).sub("DATA", std::string(8, '\0')).bytes());
+    CliRun order = cli({"load-order", master});
+    EXPECT_EQ(std::count(order.out.begin(), order.out.end(), '\n'), 1) << order.out;
+    EXPECT_EQ(order.out.rfind("x\\x0ain/ok.esp: all clear, 0 findings\\u008d\\u009d: not found", 0), 0u)
+        << order.out;
+
+    // A file name that is not UTF-8 comes back byte for byte from the JSON.
+    std::string odd = dir.write(std::string("caf\xe9.esp"), readAll(plugin));
+    CliRun json = cli({"check", odd, "--only", "topic", "--json"});
+    EXPECT_NE(json.out.find("caf\\udce9.esp"), std::string::npos) << json.out;
+}
