@@ -199,7 +199,8 @@ Outcome ExportQuotesKst(Session& session, Dialogs& dialogs) {
 }
 
 Outcome writeQuotesXml(Session& session, Dialogs& dialogs, const QuoteExport& request) {
-    const auto& [path, readOnly, city, retypeNames] = request;
+    const std::string &path = request.path, &city = request.city;
+    ReadOnlyTarget readOnly = request.readOnly;
     std::string out = "<quotes>";
     if (hasNoResponses(session)) {
         replaceFileSafely(path, out, readOnly);
@@ -222,7 +223,9 @@ Outcome writeQuotesXml(Session& session, Dialogs& dialogs, const QuoteExport& re
 }
 
 Outcome writeQuotesKst(Session& session, Dialogs& dialogs, const QuoteExport& request) {
-    const auto& [path, readOnly, city, retypeNames] = request;
+    const std::string &path = request.path, &city = request.city;
+    ReadOnlyTarget readOnly = request.readOnly;
+    bool retypeNames = request.retypeNames;
     if (hasNoResponses(session)) {
         replaceFileSafely(path, "", readOnly);
         return reportExportError(session, dialogs);

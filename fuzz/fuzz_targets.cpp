@@ -1,7 +1,10 @@
 #include "fuzz/fuzz_targets.h"
 
 #include "app/file_commands.h"
+#include "app/game_folder.h"
+#include "app/openmw_config.h"
 #include "cleanup/text_rules.h"
+#include "cli/commands.h"
 #include "dialogue/dialogue_commands.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
@@ -13,8 +16,11 @@
 #include "workbench/spelling.h"
 #include "writer/es_write.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -27,31 +33,44 @@ std::string bytesOf(const std::uint8_t* data, std::size_t size) {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
+// A folder of the run's own for the files an input is written to, removed when the process ends.
+struct Scratch {
+    Scratch() {
+        const char* tmp = std::getenv("TMPDIR");
+        std::string dir = std::string(::access("/dev/shm", W_OK) == 0 ? "/dev/shm"
+                                      : tmp                           ? tmp
+                                                                      : "/tmp") +
+                          "/quillon-fuzz-XXXXXX";
+        if (!::mkdtemp(dir.data())) std::abort();
+        folder = dir;
+    }
+    ~Scratch() {
+        for (const std::string& name : written)
+            ::unlink((folder + "/" + name).c_str());
+        ::rmdir(folder.c_str());
+    }
+    std::string write(const std::string& name, std::string_view bytes) {
+        std::string path = folder + "/" + name;
+        int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        if (fd < 0 || ::write(fd, bytes.data(), bytes.size()) != ssize_t(bytes.size()) || ::close(fd) != 0)
+            std::abort();
+        if (std::find(written.begin(), written.end(), name) == written.end()) written.push_back(name);
+        return path;
+    }
+    std::string folder;
+    std::vector<std::string> written;
+};
+
+Scratch& scratch() {
+    static Scratch s;
+    return s;
+}
+
 // Reads the bytes as the command line reads a file: written to a file, mapped, and its pages
 // handed back every page a walk passes, so that the release runs on inputs of a few kilobytes.
 double readMapped(RecordStore& store, const std::uint8_t* data, std::size_t size, std::int32_t& count,
                   Prompts& prompts) {
-    // One file for the whole run, removed when the process ends.
-    static const struct InputFile {
-        InputFile() {
-            const char* tmp = std::getenv("TMPDIR");
-            std::string dir = std::string(::access("/dev/shm", W_OK) == 0 ? "/dev/shm"
-                                          : tmp                           ? tmp
-                                                                          : "/tmp") +
-                              "/quillon-fuzz-XXXXXX";
-            if (!::mkdtemp(dir.data())) std::abort();
-            folder = dir;
-            path = dir + "/input.esp";
-        }
-        ~InputFile() {
-            ::unlink(path.c_str());
-            ::rmdir(folder.c_str());
-        }
-        std::string folder, path;
-    } input;
-    const std::string& path = input.path;
-    int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0 || ::write(fd, data, size) != ssize_t(size) || ::close(fd) != 0) std::abort();
+    std::string path = scratch().write("input.esp", {reinterpret_cast<const char*>(data), size});
     Loading before = activeLoading();
     setLoading(Loading::Map, std::size_t(::sysconf(_SC_PAGESIZE)));
     double ms = ReadESFile(store, path, count, true, prompts);
@@ -149,6 +168,45 @@ void npcList(const std::uint8_t* data, std::size_t size) {
     std::string answer(1, char(data[0] % 2 ? 'a' : data[0]));
     for (NpcListFormat format : {NpcListFormat::PlainText, NpcListFormat::PhpBB, NpcListFormat::Html})
         npcListSheet(store, format, data[0] & 4, answer, listed);
+}
+
+void loadOrder(const std::uint8_t* data, std::size_t size) {
+    std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const char* names[] = {"p.esp", "A.esm", "B.esm"};
+    std::string paths[3];
+    for (int i = 0; i < 3; ++i) {
+        std::size_t cut = std::min(bytes.find("|FILE|"), bytes.size());
+        paths[i] = scratch().write(names[i], bytes.substr(0, cut));
+        bytes.remove_prefix(std::min(bytes.size(), cut + 6));
+    }
+    std::string config = scratch().write("openmw.cfg", "");
+    Loading before = activeLoading();
+    setLoading(Loading::Map, std::size_t(::sysconf(_SC_PAGESIZE)));
+    for (std::vector<std::string> args :
+         {std::vector<std::string>{"check", paths[0], "--with-masters"},
+          std::vector<std::string>{"loops", paths[0]}, std::vector<std::string>{"load-order", paths[0]}}) {
+        args.insert(args.end(), {"--openmw-cfg", config});
+        std::ostringstream out, err;
+        int status = runCli(args, out, err);
+        if (status != 0 && status != 1) std::abort();
+        // Every line from the files reaches the terminal escaped: no byte below a space but the
+        // line break and the tab.
+        for (const std::string& text : {out.str(), err.str()})
+            for (char c : text)
+                if (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') std::abort();
+    }
+    setLoading(before);
+}
+
+void openmwConfig(const std::uint8_t* data, std::size_t size) {
+    std::string path = scratch().write("openmw.cfg", {reinterpret_cast<const char*>(data), size});
+    FolderSearch search;
+    search.environment = [](const char*) { return std::string(); };
+    search.home = scratch().folder;
+    OpenMwConfig config = readOpenMwConfig(search, path);
+    if (config.path.empty()) std::abort();
+    for (const std::string& folder : config.dataFolders)
+        if (folder.empty()) std::abort();
 }
 
 } // namespace quillon::fuzz

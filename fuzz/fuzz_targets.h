@@ -21,5 +21,10 @@ void texts(const std::uint8_t* data, std::size_t size);
 // Reads the bytes as a mapped data file and lists its NPCs for a cell text taken from the first
 // byte.
 void npcList(const std::uint8_t* data, std::size_t size);
+// Splits the bytes at "|FILE|" into a plugin and the masters A.esm and B.esm beside it, and runs
+// the command line's check, loops and load-order on the plugin, its masters read.
+void loadOrder(const std::uint8_t* data, std::size_t size);
+// Reads the bytes as an openmw.cfg and asks it for its folders and settings.
+void openmwConfig(const std::uint8_t* data, std::size_t size);
 
 } // namespace quillon::fuzz

@@ -13,7 +13,8 @@ TEST(FuzzRegressions, KeptInputsRunCleanly) {
     int replayed = 0;
     for (auto [folder, run] :
          {Target{"read", fuzz::read}, Target{"import", fuzz::importText}, Target{"cleanup", fuzz::cleanup},
-          Target{"npclist", fuzz::npcList}, Target{"texts", fuzz::texts}}) {
+          Target{"npclist", fuzz::npcList}, Target{"texts", fuzz::texts},
+          Target{"loadorder", fuzz::loadOrder}, Target{"openmwcfg", fuzz::openmwConfig}}) {
         for (const char* kind : {"seeds", "regressions"}) {
             std::filesystem::path dir = std::filesystem::path(QUILLON_FUZZ_DIR) / kind / folder;
             if (!std::filesystem::is_directory(dir)) continue;

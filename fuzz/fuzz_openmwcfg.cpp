@@ -1,0 +1,7 @@
+// libFuzzer entry point; the body is shared with the regression tests.
+#include "fuzz/fuzz_targets.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    quillon::fuzz::openmwConfig(data, size);
+    return 0;
+}
