@@ -2,6 +2,7 @@
 // merged as the game merges them; the NPC list, the quotes and the check looking through them.
 #include "app/load_order.h"
 #include "app/merged_cells.h"
+#include "app/openmw_config.h"
 #include "cli_run.h"
 #include "helpers.h"
 
@@ -101,16 +102,35 @@ TEST(LoadOrder, MastersAreFoundByEveryRouteInAnyCase) {
     f.put("xdg/openmw/openmw.cfg", "data=" + f.dir.file("openmw/one") + "\n");
     f.env["XDG_CONFIG_HOME"] = f.dir.file("xdg");
     EXPECT_EQ(f.found(plugin, f.search()), std::vector<std::string>{"Base.esm@openmw/one/Base.esm"});
-    f.put("other.cfg", "data=\"" + f.dir.file("openmw/t&\"wo") + "\"\ndata=?global?/x\n");
+    f.put("other.cfg", "data=\"" + f.dir.file("openmw/t&\"wo") + "\"\ndata=?local?/x\n");
     RecordStore store = readStore(readAll(plugin));
     LoadOrder refused = findMasters(store, plugin, f.search({}, f.dir.file("other.cfg")));
     EXPECT_EQ(refused.masters.front()->path, f.dir.file("openmw/t\"wo/Base.esm"));
     ASSERT_EQ(refused.searchNotes.size(), 1u);
-    EXPECT_NE(refused.searchNotes[0].find("?global?"), std::string::npos);
+    EXPECT_NE(refused.searchNotes[0].find("?local?"), std::string::npos);
     // --data comes first of all.
     f.put("mine/base.ESM", master);
     EXPECT_EQ(f.found(plugin, f.search({f.dir.file("mine")})),
               std::vector<std::string>{"Base.esm@mine/base.ESM"});
+}
+
+// The engine's chain of configuration files: config= folders read after the file naming them,
+// replace= dropping what earlier files gave, the one data-local last, a loop read once.
+TEST(LoadOrder, OpenMwConfigurationIsReadAsTheEngineReadsIt) {
+    Folders f;
+    f.put("root/openmw.cfg", "data=" + f.dir.file("a") + "\nconfig=\"?userconfig?\"\nconfig=" +
+                                 f.dir.file("root") + "\ncontent=Morrowind.esm\n");
+    f.put("home/.config/openmw/openmw.cfg",
+          "data=" + f.dir.file("b") + "\nreplace=content\ncontent=Mine.esp\ndata-local=?userdata?data\n" +
+              "config=more\n");
+    f.put("home/.config/openmw/more/openmw.cfg",
+          "replace=data\ndata=" + f.dir.file("c") + "\ndata=?global?\n");
+    OpenMwConfig config = readOpenMwConfig(f.search().system, f.dir.file("root/openmw.cfg"));
+    EXPECT_EQ(config.path, f.dir.file("root/openmw.cfg"));
+    EXPECT_EQ(config.dataFolders, (std::vector<std::string>{f.dir.file("c"), "/usr/share/games/openmw/",
+                                                            f.dir.file("home/.local/share/openmw/data")}));
+    EXPECT_EQ(config.values("content"), std::vector<std::string>{"Mine.esp"});
+    EXPECT_TRUE(config.refused.empty());
 }
 
 TEST(LoadOrder, AChainOfMastersInLoadOrderEachOnce) {
