@@ -83,6 +83,16 @@ TEST(Spelling, AskedForOnlyAndWithADictionaryThatExists) {
         << missing.err;
     CliRun noList = cli({"check", plugin, "--spelling", "--words", dir.file("none.txt")});
     EXPECT_EQ(noList.status, 2);
+    // A dictionary in a character set nobody knows is refused, not taken to misspell every word.
+    dir.write("odd.aff", "SET NO-SUCH-CHARSET\n");
+    std::string dic = dir.write("odd.dic", "1\nTomorrow\n");
+    CliRun odd = cli({"check", plugin, "--spelling", "--dictionary", dic});
+    EXPECT_EQ(odd.status, 2);
+    EXPECT_NE(
+        odd.err.find("in the character set \"NO-SUCH-CHARSET\" (its SET line), which this system cannot "
+                     "convert"),
+        std::string::npos)
+        << odd.err;
 }
 
 TEST(Spelling, CyrillicTextThroughTheCodePage) {

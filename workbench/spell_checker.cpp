@@ -92,7 +92,14 @@ std::unique_ptr<SpellChecker> SpellChecker::open(const std::string& dictionary, 
         return nullptr;
     }
     fs::path aff = fs::path(dic).replace_extension(".aff");
-    return std::unique_ptr<SpellChecker>(new SpellChecker(dic, affEncoding(aff)));
+    std::string encoding = affEncoding(aff);
+    // Without a conversion every word would be reported as misspelt.
+    if (!isUtf8(encoding) && !TextRecoder("UTF-8", encoding).works()) {
+        error = "the dictionary \"" + dictionary + "\" gives its words in the character set \"" + encoding +
+                "\" (its SET line), which this system cannot convert";
+        return nullptr;
+    }
+    return std::unique_ptr<SpellChecker>(new SpellChecker(dic, encoding));
 }
 
 SpellChecker::Loaded::Loaded() = default;

@@ -12,6 +12,8 @@ public:
     TextRecoder(const TextRecoder&) = delete;
     TextRecoder& operator=(const TextRecoder&) = delete;
 
+    // False when iconv knows no conversion between the two character sets.
+    bool works() const { return cd_ != nullptr; }
     // The text in the target encoding; empty when a character has no place there or the system
     // knows one of the encodings not.
     std::string operator()(const std::string& text) const;
