@@ -214,8 +214,10 @@ Outcome writeQuotesXml(Session& session, Dialogs& dialogs, const QuoteExport& re
         if (r.ONAM.empty()) continue;
         Speaker s = actors.find(r.ONAM);
         std::string speaker = s.name.empty() ? trimBlanks(properCase(r.ONAM)) : s.name;
-        out += "<quote><text>" + fillPlaceholders(r.NAME, s) + "</text><npc>" + speaker + "</npc><city>" +
-               city + "</city></quote>";
+        // Filled no further than a few times the text: a response of thousands of placeholders
+        // and a long name would otherwise grow the file without bound.
+        out += "<quote><text>" + fillPlaceholdersUpTo(r.NAME, s, 4 * r.NAME.size() + 4096) + "</text><npc>" +
+               speaker + "</npc><city>" + city + "</city></quote>";
         drainIfLarge(file, out);
     }
     out += "</quotes>";

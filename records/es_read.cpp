@@ -64,6 +64,28 @@ std::size_t structureBudget(std::size_t fileSize) {
     return budget;
 }
 
+// The sub-records of one tag within a record's claimed bytes, by a walk of their headers, and the
+// bytes of the first one.
+struct TaggedSubRecords {
+    std::size_t count = 0;
+    std::size_t firstSize = 0;
+};
+TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std::size_t end, Tag wanted) {
+    TaggedSubRecords found;
+    end = std::min(end, bytes.size());
+    for (std::size_t p = start; p + 8 <= end;) {
+        Tag t;
+        std::int32_t size;
+        std::memcpy(&t, bytes.data() + p, 4);
+        std::memcpy(&size, bytes.data() + p + 4, 4);
+        if (size < 0) break;
+        if (t == wanted && found.count++ == 0) found.firstSize = std::size_t(size);
+        if (std::size_t(size) > end - p - 8) break;
+        p += 8 + std::size_t(size);
+    }
+    return found;
+}
+
 // The records of each type, from a walk of the record headers. A file whose sizes mislead gives
 // smaller counts, and its arrays then grow as usual. A file whose structures would exceed their
 // budget is refused as too large for memory as soon as the walk finds so, before the store is
@@ -75,12 +97,21 @@ TypeCounts countRecords(const SourceBytes& source) {
     PassedBytes passed(source, 32);
     TypeCounts counts{};
     std::size_t structures = 0;
+    std::size_t topicName = 0; // every response holds its topic's name
     for (std::size_t p = 0; p + 16 <= bytes.size(); passed.reached(p)) {
         Tag t;
         std::int32_t size;
         std::memcpy(&t, bytes.data() + p, 4);
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
+        // What a record holds beyond its structure where a few bytes make much: the topic's name
+        // copied into each response, a condition per SCVR, a reference per FRMR.
+        std::size_t end = p + 16 + std::size_t(size);
+        if (t == tag("DIAL")) topicName = subRecordsTagged(bytes, p + 16, end, tag("NAME")).firstSize;
+        if (t == tag("INFO"))
+            structures += topicName + subRecordsTagged(bytes, p + 16, end, tag("SCVR")).count * sizeof(InfoCondition);
+        if (t == tag("CELL"))
+            structures += subRecordsTagged(bytes, p + 16, end, tag("FRMR")).count * sizeof(CellReference);
         switch (t) {
 #define QUILLON_COUNT(T, Record, ...)                                                                        \
     case tag(#T):                                                                                            \

@@ -184,3 +184,22 @@ TEST(HostileTexts, NoTextFromAFileForgesATerminalLine) {
     CliRun json = cli({"check", odd, "--only", "topic", "--json"});
     EXPECT_NE(json.out.find("caf\\udce9.esp"), std::string::npos) << json.out;
 }
+
+// A long topic name is held by every response of the topic: a read that would take memory far
+// beyond the file's size is refused before it starts, one that would not reads whole.
+TEST(HostileSizes, ATopicNameHeldByEveryResponseCountsInTheBudget) {
+    TempDir dir;
+    auto plugin = [](int responses) {
+        std::string bytes = file(
+            0, {Rec("DIAL").z("NAME", std::string(1 << 20, 't')).sub("DATA", std::string(1, '\0')).bytes()});
+        for (int i = 0; i < responses; ++i)
+            bytes += response(std::to_string(i), "a", "Hi.");
+        return bytes;
+    };
+    CliRun few = cli({"counts", dir.write("few.esp", plugin(8))});
+    EXPECT_EQ(few.status, 0) << few.err;
+    EXPECT_NE(few.out.find("INFO: 8"), std::string::npos);
+    CliRun many = cli({"counts", dir.write("many.esp", plugin(4000))});
+    EXPECT_EQ(many.status, 1);
+    EXPECT_NE(many.err.find("Not enough memory"), std::string::npos) << many.err;
+}
