@@ -11,6 +11,7 @@
 #include "writer/es_write.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -132,6 +133,16 @@ std::unique_ptr<SpellChecker> openDictionary(Context& c) {
         return nullptr;
     }
     if (std::string list = c.args.value("--words"); !list.empty()) {
+        // Each word accepted takes many times its bytes; a list of names to accept is far smaller
+        // than this, and a dictionary belongs in --dictionary.
+        constexpr std::uintmax_t kLargestList = 4 << 20;
+        std::error_code tooLarge;
+        if (std::filesystem::file_size(list, tooLarge) > kLargestList && !tooLarge) {
+            c.err << "quillon check: the word list \"" << forTerminal(list)
+                  << "\" is larger than 4 MB; give a list of the words to accept, or a Hunspell dictionary with "
+                     "--dictionary\n";
+            return nullptr;
+        }
         std::string words = loadFile(list, error);
         if (!error.empty()) {
             c.err << "quillon check: the word list \"" << forTerminal(list) << "\" cannot be read: " << error

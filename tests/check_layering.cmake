@@ -14,7 +14,7 @@ set(allowed_workbench ${core} dialogue cleanup npclist script workbench)
 set(allowed_translation ${core} script dialogue translation)
 set(allowed_cli ${core} dialogue cleanup npclist script workbench translation cli)
 set(allowed_bench ${core} script dialogue cleanup npclist tools bench)
-set(allowed_fuzz ${core} script dialogue cleanup npclist workbench translation tools fuzz)
+set(allowed_fuzz ${core} script dialogue cleanup npclist workbench translation tools cli fuzz)
 set(allowed_ui ${core} dialogue cleanup npclist script workbench translation qt_text ui)
 # The forms sit beside their subsystem but are built into the window only.
 set(allowed_forms ${core} script dialogue cleanup workbench qt_text)

@@ -203,3 +203,26 @@ TEST(HostileSizes, ATopicNameHeldByEveryResponseCountsInTheBudget) {
     EXPECT_EQ(many.status, 1);
     EXPECT_NE(many.err.find("Not enough memory"), std::string::npos) << many.err;
 }
+
+// A script of thousands of broken lines says so in a bounded number of findings; a word list too
+// large to be one is refused.
+TEST(HostileScripts, ProblemsOfOneScriptAndWordListsStayBounded) {
+    TempDir dir;
+    auto findings = [&](int lines) {
+        std::string script;
+        for (int i = 0; i < lines; ++i)
+            script += "MessageBox \"unterminated\r\n";
+        CliRun r = cli(
+            {"check", dir.write("p.esp", oneTopic({response("1", "a", "Hi.", script)})), "--only", "script"});
+        return std::count(r.out.begin(), r.out.end(), '\n');
+    };
+    long small = findings(1000), large = findings(4000);
+    EXPECT_EQ(small, 101); // the first hundred, then one line saying there is more
+    EXPECT_EQ(large, small);
+
+    std::string plugin = dir.write("w.esp", oneTopic({response("1", "a", "Hi.")}));
+    CliRun huge =
+        cli({"check", plugin, "--spelling", "--words", dir.write("words.txt", std::string(5 << 20, 'a'))});
+    EXPECT_EQ(huge.status, 2);
+    EXPECT_NE(huge.err.find("is larger than 4 MB"), std::string::npos) << huge.err;
+}

@@ -120,30 +120,39 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
     bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
     ScriptNames names = ids.names(hasMasters && masters && masters->allFound());
     std::set<std::string> extenders;
-    auto add = [&](Finding f, const ScriptProblem& p) {
-        if (std::string_view(p.kind) == "extender") extenders.insert(foldedKey(p.reason));
-        if (!wanted(p.kind)) return;
-        f.kind = p.kind;
-        f.line = p.line;
-        f.detail = "line " + std::to_string(p.line) + ": " + p.reason;
-        out.push_back(std::move(f));
+    // One script's problems, the first kMostPerScript of them and then how many more: a script of
+    // a million broken lines says so in a few lines, not a million.
+    constexpr std::size_t kMostPerScript = 100;
+    auto addAll = [&](const Finding& about, const std::vector<ScriptProblem>& problems) {
+        std::size_t shown = 0;
+        for (const ScriptProblem& p : problems) {
+            if (std::string_view(p.kind) == "extender") extenders.insert(foldedKey(p.reason));
+            if (!wanted(p.kind)) continue;
+            Finding f = about;
+            f.kind = p.kind;
+            f.line = p.line;
+            if (++shown > kMostPerScript) {
+                f.detail = "and more problems after line " + std::to_string(p.line) + "; fix these first";
+                out.push_back(std::move(f));
+                break;
+            }
+            f.detail = "line " + std::to_string(p.line) + ": " + readableExcerpt(p.reason, 200);
+            out.push_back(std::move(f));
+        }
     };
     SpeakerScripts speakers(store, masters);
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         if (r.BNAM.empty()) continue;
-        for (const ScriptProblem& p :
-             checkScript(r.BNAM, ScriptSource::Result, speakers.locals(r.ONAM), names))
-            add(aboutResponse(store.INFO, i, "script"), p);
+        addAll(aboutResponse(store.INFO, i, "script"),
+               checkScript(r.BNAM, ScriptSource::Result, speakers.locals(r.ONAM), names));
     }
     for (const ScptRecord& s : store.SCPT) {
         if (s.SCTX.empty()) continue;
-        for (const ScriptProblem& p : checkScript(s.SCTX, ScriptSource::Record, {}, names)) {
-            Finding f;
-            f.record = "SCPT";
-            f.id = fixedText(s.ScriptName);
-            add(std::move(f), p);
-        }
+        Finding f;
+        f.record = "SCPT";
+        f.id = fixedText(s.ScriptName);
+        addAll(f, checkScript(s.SCTX, ScriptSource::Record, {}, names));
     }
     if (!extenders.empty())
         notes.push_back(
