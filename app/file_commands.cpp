@@ -192,39 +192,38 @@ Outcome Save(Session& session, Dialogs& dialogs) {
     session.log.LogLine("-Writing \"" + name + "\"...");
     dialogs.refreshLog();
     const char* failure = "-An error occured. Nothing has been written.";
+    // Each of these questions defaults to keeping the file on disk.
+    auto keepsFile = [&](QuestionId id, const std::string& text) {
+        return dialogs.ask({id}, text, Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes;
+    };
+    auto declined = [&](std::string why) {
+        session.log.LogLine(failure);
+        return Outcome::declined(std::move(why));
+    };
     // After a refused Open the current file is not the one the records came from: replacing it
     // would destroy a file that was never read.
     bool foreignTarget = !session.recordsPath.empty() && !sameFile(session.recordsPath, session.currentPath);
-    if (foreignTarget &&
-        dialogs.ask({QuestionId::ReplaceOtherFile},
-                    "The records open here were read from \"" + bareName(session.recordsPath) +
-                        "\". Save would replace \"" + name + "\" with them.",
-                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
-        session.log.LogLine(failure);
-        return Outcome::declined("the records were not read from \"" + name + "\"");
-    }
+    if (foreignTarget && keepsFile(QuestionId::ReplaceOtherFile,
+                                   "The records open here were read from \"" + bareName(session.recordsPath) +
+                                       "\". Save would replace \"" + name + "\" with them."))
+        return declined("the records were not read from \"" + name + "\"");
     // Another program changed the file since it was read: overwriting would lose that work.
     std::string now = stampOf(session.currentPath);
     if (!foreignTarget && !session.fileStamp.empty() && !now.empty() && now != session.fileStamp &&
-        dialogs.ask({QuestionId::OverwriteChangedFile},
-                    "\"" + name +
-                        "\" has been changed on disk since it was opened. Overwrite it with the "
-                        "records open here?",
-                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
-        session.log.LogLine(failure);
-        return Outcome::declined("\"" + name + "\" was changed on disk");
-    }
+        keepsFile(
+            QuestionId::OverwriteChangedFile,
+            "\"" + name +
+                "\" has been changed on disk since it was opened. Overwrite it with the records open here?"))
+        return declined("\"" + name + "\" was changed on disk");
     // A store from a read that stopped early holds less than the file: saving it over the file
     // would lose the rest.
     if (!foreignTarget && !session.readWhole &&
-        dialogs.ask({QuestionId::SaveIncompleteRead},
-                    "\"" + name +
-                        "\" was not read whole: the records open here are only part of it. Save would "
-                        "replace the file on disk with them, and the rest would be lost. Replace it?",
-                    Buttons::YesNoDefaultNo, Icon::Warning, "") != Answer::Yes) {
-        session.log.LogLine(failure);
-        return Outcome::declined("\"" + name + "\" was not read whole");
-    }
+        keepsFile(
+            QuestionId::SaveIncompleteRead,
+            "\"" + name +
+                "\" was not read whole: the records open here are only part of it. Save would replace the "
+                "file on disk with them, and the rest would be lost. Replace it?"))
+        return declined("\"" + name + "\" was not read whole");
     return writeAndReport(session, dialogs, session.currentPath, failure);
 }
 
