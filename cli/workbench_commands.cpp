@@ -139,7 +139,8 @@ std::unique_ptr<SpellChecker> openDictionary(Context& c) {
         std::error_code tooLarge;
         if (std::filesystem::file_size(list, tooLarge) > kLargestList && !tooLarge) {
             c.err << "quillon check: the word list \"" << forTerminal(list)
-                  << "\" is larger than 4 MB; give a list of the words to accept, or a Hunspell dictionary with "
+                  << "\" is larger than 4 MB; give a list of the words to accept, or a Hunspell dictionary "
+                     "with "
                      "--dictionary\n";
             return nullptr;
         }

@@ -109,7 +109,8 @@ TypeCounts countRecords(const SourceBytes& source) {
         std::size_t end = p + 16 + std::size_t(size);
         if (t == tag("DIAL")) topicName = subRecordsTagged(bytes, p + 16, end, tag("NAME")).firstSize;
         if (t == tag("INFO"))
-            structures += topicName + subRecordsTagged(bytes, p + 16, end, tag("SCVR")).count * sizeof(InfoCondition);
+            structures +=
+                topicName + subRecordsTagged(bytes, p + 16, end, tag("SCVR")).count * sizeof(InfoCondition);
         if (t == tag("CELL"))
             structures += subRecordsTagged(bytes, p + 16, end, tag("FRMR")).count * sizeof(CellReference);
         switch (t) {
