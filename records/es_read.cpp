@@ -86,6 +86,32 @@ TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std
     return found;
 }
 
+// What a cell's references take: each FRMR a reference, and each reference carrying anything but
+// its ID, scale and place the details of its own kept beside it.
+std::size_t referenceStructures(std::string_view bytes, std::size_t start, std::size_t end) {
+    std::size_t total = 0;
+    bool inReference = false, hasDetails = false;
+    end = std::min(end, bytes.size());
+    for (std::size_t p = start; p + 8 <= end;) {
+        Tag t;
+        std::int32_t size;
+        std::memcpy(&t, bytes.data() + p, 4);
+        std::memcpy(&size, bytes.data() + p + 4, 4);
+        if (size < 0) break;
+        if (t == tag("FRMR")) {
+            total += sizeof(CellReference);
+            inReference = true;
+            hasDetails = false;
+        } else if (inReference && !hasDetails && t != tag("NAME") && t != tag("XSCL") && t != tag("DATA")) {
+            total += sizeof(ReferenceDetails) + 16; // and the allocation's own bookkeeping
+            hasDetails = true;
+        }
+        if (std::size_t(size) > end - p - 8) break;
+        p += 8 + std::size_t(size);
+    }
+    return total;
+}
+
 // The records of each type, from a walk of the record headers. A file whose sizes mislead gives
 // smaller counts, and its arrays then grow as usual. A file whose structures would exceed their
 // budget is refused as too large for memory as soon as the walk finds so, before the store is
@@ -111,8 +137,7 @@ TypeCounts countRecords(const SourceBytes& source) {
         if (t == tag("INFO"))
             structures +=
                 topicName + subRecordsTagged(bytes, p + 16, end, tag("SCVR")).count * sizeof(InfoCondition);
-        if (t == tag("CELL"))
-            structures += subRecordsTagged(bytes, p + 16, end, tag("FRMR")).count * sizeof(CellReference);
+        if (t == tag("CELL")) structures += referenceStructures(bytes, p + 16, end);
         switch (t) {
 #define QUILLON_COUNT(T, Record, ...)                                                                        \
     case tag(#T):                                                                                            \

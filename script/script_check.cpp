@@ -74,8 +74,7 @@ public:
         : source_(source), locals_(std::move(locals)), names_(names) {}
 
     std::vector<ScriptProblem> run(std::string_view text) {
-        for (const ScriptStatement& s : readScript(text))
-            statement(s);
+        forEachStatement(text, [this](const ScriptStatement& s) { statement(s); });
         for (const Open& open : blocks_)
             report(open.line,
                    std::string(open.keyword) + " is not closed by end" + std::string(open.keyword));
@@ -92,8 +91,12 @@ private:
         const char* keyword; // if or while
     };
 
+    // Past this many, a script's further problems are not kept: a script of a million broken
+    // lines would otherwise hold a million reports, and nobody reads past the first.
+    static constexpr std::size_t kMostProblems = 1000;
+
     void report(std::size_t line, std::string reason, const char* kind = "script") {
-        problems_.push_back({line, kind, std::move(reason)});
+        if (problems_.size() < kMostProblems) problems_.push_back({line, kind, std::move(reason)});
     }
 
     bool isVariable(std::string_view name) const {

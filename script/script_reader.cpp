@@ -56,6 +56,11 @@ bool sameName(std::string_view a, std::string_view b) {
 
 std::vector<ScriptStatement> readScript(std::string_view script) {
     std::vector<ScriptStatement> out;
+    forEachStatement(script, [&](ScriptStatement& s) { out.push_back(std::move(s)); });
+    return out;
+}
+
+void forEachStatement(std::string_view script, const std::function<void(ScriptStatement&)>& visit) {
     std::size_t number = 0;
     for (std::size_t start = 0; start <= script.size();) {
         std::size_t end = script.find('\n', start);
@@ -74,9 +79,8 @@ std::vector<ScriptStatement> readScript(std::string_view script) {
         }
         s.head = line[head];
         s.arguments.assign(line.begin() + std::ptrdiff_t(head) + 1, line.end());
-        out.push_back(std::move(s));
+        visit(s);
     }
-    return out;
 }
 
 } // namespace quillon

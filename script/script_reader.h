@@ -4,6 +4,7 @@
 // Comments after ; are cut off and commas between arguments are passed over, as the game's
 // compiler does.
 #include <cstddef>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -24,6 +25,8 @@ struct ScriptStatement {
 
 // The statements of a script; blank and comment lines are left out.
 std::vector<ScriptStatement> readScript(std::string_view script);
+// The same one at a time, so that a script of millions of lines is never held as statements.
+void forEachStatement(std::string_view script, const std::function<void(ScriptStatement&)>& visit);
 
 // True when a and b are the same name in any letter case.
 bool sameName(std::string_view a, std::string_view b);
