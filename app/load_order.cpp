@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <set>
 
 #include <fcntl.h>
@@ -202,7 +203,15 @@ void readMasters(LoadOrder& order) {
         Quiet prompts;
         std::int32_t count = 0;
         ReadDiagnostics diagnostics;
-        ReadESFile(master->store, master->path, count, true, prompts, &diagnostics);
+        try {
+            ReadESFile(master->store, master->path, count, true, prompts, &diagnostics);
+        } catch (const std::bad_alloc&) {
+            // A master too large for memory is left out, as one not found would be.
+            ClearRecords(master->store);
+            order.searchNotes.push_back(master->name +
+                                        " is too large to be read into memory; its records are not known");
+            continue;
+        }
         if (diagnostics.stoppedAt != 0)
             order.searchNotes.push_back(master->name + " holds bytes that are not records from byte " +
                                         std::to_string(diagnostics.stoppedAt) +
