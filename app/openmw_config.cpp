@@ -119,8 +119,9 @@ OpenMwConfig readOpenMwConfig(const FolderSearch& search, const std::string& pat
             if (line.empty() || line[0] == '#' || eq == std::string::npos) continue;
             lines.emplace_back(trimmed(line.substr(0, eq)), unquoted(trimmed(line.substr(eq + 1))));
         }
-        for (const auto& [k, v] : lines) {
-            if (k != "replace") continue;
+        for (const auto& line : lines) {
+            const std::string& v = line.second;
+            if (line.first != "replace") continue;
             if (v == "data") config.dataFolders.clear();
             if (v == "data-local") local.clear();
             std::erase_if(config.settings, [&](const auto& setting) { return setting.first == v; });
