@@ -10,20 +10,39 @@ bool isNameByte(unsigned char c) {
     return std::isalnum(c) || c == '_' || c == '\'' || c >= 0x80;
 }
 
+// Where ".variable" after an object's ID ends, when one follows at; at itself otherwise.
+std::size_t variableAfter(std::string_view line, std::size_t at) {
+    if (at + 1 >= line.size() || line[at] != '.' || !isNameByte(static_cast<unsigned char>(line[at + 1])))
+        return at;
+    std::size_t end = at + 1;
+    while (end < line.size() && isNameByte(static_cast<unsigned char>(line[end])))
+        ++end;
+    return end;
+}
+
 // The tokens of one line, up to its comment.
 std::vector<ScriptToken> tokens(std::string_view line, bool& unterminated) {
     std::vector<ScriptToken> out;
     for (std::size_t i = 0; i < line.size();) {
         auto c = static_cast<unsigned char>(line[i]);
         if (c == ';') break;
-        if (std::isspace(c) || c == ',') {
+        // Commas and colons between words are passed over, as the game's compiler does
+        // ("Choice: "Yes" 1" shipped with the game).
+        if (std::isspace(c) || c == ',' || c == ':') {
             ++i;
         } else if (c == '"') {
             std::size_t close = line.find('"', i + 1);
             unterminated = close == std::string_view::npos;
-            std::size_t end = unterminated ? line.size() : close;
-            out.push_back({ScriptToken::Text, line.substr(i + 1, end - i - 1)});
-            i = unterminated ? line.size() : close + 1;
+            std::size_t end = unterminated ? line.size() : close,
+                        next = unterminated ? line.size() : close + 1;
+            if (std::size_t after = variableAfter(line, next); after != next) {
+                // "some id".variable: another object's variable, a name like any other.
+                out.push_back({ScriptToken::Name, line.substr(i, after - i)});
+                i = after;
+            } else {
+                out.push_back({ScriptToken::Text, line.substr(i + 1, end - i - 1)});
+                i = next;
+            }
         } else if (isNameByte(c)) {
             std::size_t start = i;
             bool number = true;
@@ -33,6 +52,7 @@ std::vector<ScriptToken> tokens(std::string_view line, bool& unterminated) {
                 number = number && (std::isdigit(static_cast<unsigned char>(line[i])) || line[i] == '.');
                 ++i;
             }
+            if (!number) i = variableAfter(line, i); // some_id.variable
             out.push_back({number ? ScriptToken::Number : ScriptToken::Name, line.substr(start, i - start)});
         } else {
             std::string_view two = line.substr(i, 2);

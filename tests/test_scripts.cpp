@@ -58,6 +58,9 @@ TEST(Scripts, ValidLinesOfEveryFormGiveNothing) {
         "StartScript ks_timer\r\nPositionCell 10 20 30 0 \"Balmora, Guild of Fighters\"",
         "MessageBox \"Done, %.0f left\" talked",
         "while ( talked < 3 )\r\n\tset talked to talked + 1\r\nendwhile",
+        // What the game's compiler passes over: a colon after Choice, another object's variable.
+        "Choice: \"Yes\" 1 \"No\" 2",
+        "ModDisposition \"fargoth\".talked\r\nModDisposition fargoth.talked",
     };
     for (const char* script : valid)
         EXPECT_EQ(problems(script), std::vector<std::string>{}) << script;

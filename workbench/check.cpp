@@ -59,11 +59,21 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
     if (options.masters)
         for (const auto& m : options.masters->masters)
             learn(m->store);
-    bool loops = wants(options, "loop"), choices = wants(options, "choice"), added = wants(options, "topic");
+    // A master that was not found may hold the responses that answer a choice and the topics
+    // added: nothing it could settle is judged without it.
+    bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
+    bool settled = !hasMasters || (options.masters && options.masters->allFound());
+    bool loops = wants(options, "loop"), choices = settled && wants(options, "choice"),
+         added = settled && wants(options, "topic");
     for (std::size_t i = 0; i < infos.size(); ++i) {
         const InfoRecord& r = infos[i];
         if (r.BNAM.empty()) continue;
         std::vector<std::string> lines = scriptLines(r.BNAM), written = writtenLines(r.BNAM);
+        // The game's compiler reads a script up to its first NUL byte, as many end.
+        std::size_t compiled = lines.size();
+        if (std::size_t nul = r.BNAM.find('\0'); nul != std::string::npos)
+            compiled =
+                std::size_t(std::count(r.BNAM.begin(), r.BNAM.begin() + std::ptrdiff_t(nul), '\n')) + 1;
         for (std::size_t n = 0; n < lines.size(); ++n) {
             // A finding names its line by an excerpt: a line of thousands of choices makes as
             // many findings, and each holding the whole line would grow the output with its square.
@@ -72,14 +82,14 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
                 if (loops && isChoiceCondition(c) && r.BNAM.size() > 5 && offersChoice(lines[n], c.INTV))
                     out.push_back(aboutResponse(
                         infos, i, "loop", "choice " + std::to_string(c.INTV) + " offered again: " + line));
-            if (choices)
+            if (choices && n < compiled)
                 for (std::int32_t choice : choicesOn(lines[n]))
                     if (!shownOn[r.Topic].count(choice))
                         out.push_back(aboutResponse(
                             infos, i, "choice",
                             "choice " + std::to_string(choice) +
                                 " is offered but no response of the topic is shown on it: " + line));
-            if (added)
+            if (added && n < compiled)
                 for (const std::string& topic : topicsAddedOn(lines[n]))
                     if (!topics.count(foldedKey(topic)))
                         out.push_back(aboutResponse(infos, i, "topic",
@@ -121,7 +131,8 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
         if (!m->found())
             f.detail =
                 "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
-                "Data Files); its topics are not known to the topic check and references are not checked";
+                "Data Files); choice, topic, reference and undeclared-variable findings are left out, since "
+                "its records could settle them (give it with --data DIR or --openmw-cfg FILE)";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";

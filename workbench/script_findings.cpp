@@ -144,15 +144,18 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         if (r.BNAM.empty()) continue;
+        // The game's compiler reads a script up to its first NUL byte, as many end.
+        std::string_view compiled = std::string_view(r.BNAM).substr(0, r.BNAM.find('\0'));
         addAll(aboutResponse(store.INFO, i, "script"),
-               checkScript(r.BNAM, ScriptSource::Result, speakers.locals(r.ONAM), names));
+               checkScript(compiled, ScriptSource::Result, speakers.locals(r.ONAM), names));
     }
     for (const ScptRecord& s : store.SCPT) {
         if (s.SCTX.empty()) continue;
         Finding f;
         f.record = "SCPT";
         f.id = fixedText(s.ScriptName);
-        addAll(f, checkScript(s.SCTX, ScriptSource::Record, {}, names));
+        addAll(f, checkScript(std::string_view(s.SCTX).substr(0, s.SCTX.find('\0')), ScriptSource::Record, {},
+                              names));
     }
     if (!extenders.empty())
         notes.push_back(
