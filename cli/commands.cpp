@@ -45,7 +45,8 @@ Commands:
                                    change nothing; list what a writer should look at, one line
                                    each: FILE: KIND: INFO ID (topic "T", actor "A"): detail. KINDS
                                    (comma-separated): loop, choice (a choice no response answers),
-                                   topic (AddTopic of no topic of the file or of its masters),
+                                   topic (AddTopic of no topic of the file or of its masters;
+                                   choice and topic only when every master was found),
                                    master (not found, or changed since the file was saved), long
                                    (over 512 characters), spelling (only when asked for, with
                                    --only spelling or --spelling: words of responses and topic names
