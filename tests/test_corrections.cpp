@@ -89,3 +89,28 @@ TEST(Corrections, ADictionaryInItsOwnEncodingAtAPath) {
               std::string::npos)
         << r.out;
 }
+
+// Words the dictionary marks never to be suggested (NOSUGGEST, FORBIDDENWORD: profanity and
+// slurs) are never offered, in any way the dictionary writes its flags.
+TEST(Corrections, WordsMarkedNeverToSuggestAreNeverOffered) {
+    TempDir dir;
+    for (auto [flagLine, marked, plain] :
+         {std::tuple{"", "/!", "/M"}, std::tuple{"FLAG long\n", "/Zz!!", "/Zz"},
+          std::tuple{"FLAG num\n", "/12,99", "/12"}}) {
+        std::string never = std::string(flagLine) +
+                            (std::string(flagLine).find("long") != std::string::npos  ? "NOSUGGEST !!\n"
+                             : std::string(flagLine).find("num") != std::string::npos ? "NOSUGGEST 99\n"
+                                                                                      : "NOSUGGEST !\n");
+        dir.write("d.aff", "SET UTF-8\n" + never);
+        std::string dic = dir.write("d.dic", "2\nbadword" + std::string(marked) + "\nbadger" + plain + "\n");
+        std::string error;
+        std::unique_ptr<SpellChecker> checker = SpellChecker::open(dic, error);
+        ASSERT_TRUE(checker) << error;
+        const std::vector<std::string>& offered = checker->suggestions("badwerd");
+        EXPECT_EQ(std::count(offered.begin(), offered.end(), "badword"), 0) << flagLine;
+        EXPECT_EQ(
+            std::count(checker->suggestions("badgr").begin(), checker->suggestions("badgr").end(), "badger"),
+            1)
+            << flagLine;
+    }
+}

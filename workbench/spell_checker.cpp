@@ -64,9 +64,49 @@ bool isUtf8(const std::string& encoding) {
     return equalsIgnoreCase(encoding, "UTF-8") || equalsIgnoreCase(encoding, "UTF8");
 }
 
+// The flags of an .aff file that keep a word out of suggestions (NOSUGGEST: profanity and slurs;
+// FORBIDDENWORD), and how its flags are written (FLAG: one character, two, or numbers).
+struct NeverSuggest {
+    std::string format; // "long", "num", or empty for one character (or one UTF-8 character) each
+    std::vector<std::string> flags;
+
+    // True when a word's flags (the text after its "/") hold one of them.
+    bool marks(std::string_view wordFlags) const {
+        for (const std::string& flag : flags) {
+            if (format == "num") {
+                for (std::size_t at = 0; at <= wordFlags.size();) {
+                    std::size_t comma = std::min(wordFlags.find(',', at), wordFlags.size());
+                    if (wordFlags.substr(at, comma - at) == flag) return true;
+                    at = comma + 1;
+                }
+            } else if (format == "long") {
+                for (std::size_t at = 0; at + 1 < wordFlags.size(); at += 2)
+                    if (wordFlags.substr(at, 2) == flag) return true;
+            } else if (wordFlags.find(flag) != std::string_view::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+};
+
+NeverSuggest neverSuggested(const fs::path& aff) {
+    NeverSuggest never;
+    std::ifstream in(aff, std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line);
+        std::string key, value;
+        words >> key >> value;
+        if (value.empty()) continue;
+        if (key == "FLAG") never.format = value;
+        if (key == "NOSUGGEST" || key == "FORBIDDENWORD") never.flags.push_back(value);
+    }
+    return never;
+}
+
 // The words of a .dic file (after its count line, before each word's flags or fields), as the
-// dictionary's bytes.
-std::vector<std::string> dictionaryWords(const fs::path& dic) {
+// dictionary's bytes, less those never to be suggested.
+std::vector<std::string> dictionaryWords(const fs::path& dic, const NeverSuggest& never) {
     std::ifstream in(dic, std::ios::binary);
     std::vector<std::string> words;
     std::string line;
@@ -76,7 +116,12 @@ std::vector<std::string> dictionaryWords(const fs::path& dic) {
         while (end < line.size() && line[end] != '/' && line[end] != '\t' && line[end] != ' ' &&
                line[end] != '\r')
             end += line[end] == '\\' && end + 1 < line.size() ? 2 : 1; // "\/" is a slash in the word
-        if (end > 0) words.emplace_back(line, 0, end);
+        if (end == 0) continue;
+        if (end < line.size() && line[end] == '/') {
+            std::size_t flagsEnd = line.find_first_of(" \t\r", end + 1);
+            if (never.marks(std::string_view(line).substr(end + 1, flagsEnd - end - 1))) continue;
+        }
+        words.emplace_back(line, 0, end);
     }
     return words;
 }
@@ -118,7 +163,7 @@ SpellChecker::SpellChecker(const fs::path& dic, const std::string& encoding) {
         fs::path aff = fs::path(dic).replace_extension(".aff");
         l.hunspell = std::make_unique<Hunspell>(aff.c_str(), dic.c_str());
         std::vector<std::string> words;
-        for (const std::string& w : dictionaryWords(dic))
+        for (const std::string& w : dictionaryWords(dic, neverSuggested(aff)))
             if (std::string bytes = fromDictionary(w); !bytes.empty()) words.push_back(std::move(bytes));
         l.words = std::make_unique<NearWords>(std::move(words));
         return l;
