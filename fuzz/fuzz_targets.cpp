@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -73,7 +74,15 @@ double readMapped(RecordStore& store, const std::uint8_t* data, std::size_t size
     std::string path = scratch().write("input.esp", {reinterpret_cast<const char*>(data), size});
     Loading before = activeLoading();
     setLoading(Loading::Map, std::size_t(::sysconf(_SC_PAGESIZE)));
-    double ms = ReadESFile(store, path, count, true, prompts);
+    double ms = -1;
+    try {
+        ms = ReadESFile(store, path, count, true, prompts);
+    } catch (const std::bad_alloc&) {
+        // A file whose records would outgrow the memory budget is refused, as every command
+        // reports it; the store is left empty.
+        ClearRecords(store);
+        count = 0;
+    }
     setLoading(before);
     return ms;
 }

@@ -79,7 +79,8 @@ TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std
         std::memcpy(&t, bytes.data() + p, 4);
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
-        if (t == wanted && found.count++ == 0) found.firstSize = std::size_t(size);
+        // The bytes that are there, whatever the size word claims.
+        if (t == wanted && found.count++ == 0) found.firstSize = std::min(std::size_t(size), end - p - 8);
         if (std::size_t(size) > end - p - 8) break;
         p += 8 + std::size_t(size);
     }
