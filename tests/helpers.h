@@ -23,6 +23,18 @@ namespace quillon::test {
 
 using namespace quillon::build;
 
+// True in the build with AddressSanitizer, whose runs are several times slower.
+inline bool sanitized() {
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return true;
+#endif
+#endif
+    return false;
+}
+
 // Answers queued in order; every question and message is kept for the test to check.
 class ScriptedDialogs : public Dialogs {
 public:

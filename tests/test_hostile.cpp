@@ -44,17 +44,6 @@ Ended runChild(const std::vector<std::string>& args, const std::string& errFile,
             readAll(errFile)};
 }
 
-bool sanitized() {
-#if defined(__SANITIZE_ADDRESS__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-    return true;
-#endif
-#endif
-    return false;
-}
-
 std::string header() {
     return Rec("TES3").sub("HEDR", hedr(0)).bytes();
 }
