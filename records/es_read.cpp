@@ -64,14 +64,10 @@ std::size_t structureBudget(std::size_t fileSize) {
     return budget;
 }
 
-// The sub-records of one tag within a record's claimed bytes, by a walk of their headers, and the
-// bytes of the first one.
-struct TaggedSubRecords {
-    std::size_t count = 0;
-    std::size_t firstSize = 0;
-};
-TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std::size_t end, Tag wanted) {
-    TaggedSubRecords found;
+// Each sub-record header within a record's claimed bytes, with the bytes of its data that are
+// there (whatever its size word claims), up to one that does not fit.
+template <class Visit>
+void forEachSubRecord(std::string_view bytes, std::size_t start, std::size_t end, Visit visit) {
     end = std::min(end, bytes.size());
     for (std::size_t p = start; p + 8 <= end;) {
         Tag t;
@@ -79,11 +75,22 @@ TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std
         std::memcpy(&t, bytes.data() + p, 4);
         std::memcpy(&size, bytes.data() + p + 4, 4);
         if (size < 0) break;
-        // The bytes that are there, whatever the size word claims.
-        if (t == wanted && found.count++ == 0) found.firstSize = std::min(std::size_t(size), end - p - 8);
+        visit(t, std::min(std::size_t(size), end - p - 8));
         if (std::size_t(size) > end - p - 8) break;
         p += 8 + std::size_t(size);
     }
+}
+
+// The sub-records of one tag, and the bytes of the first one.
+struct TaggedSubRecords {
+    std::size_t count = 0;
+    std::size_t firstSize = 0;
+};
+TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std::size_t end, Tag wanted) {
+    TaggedSubRecords found;
+    forEachSubRecord(bytes, start, end, [&](Tag t, std::size_t size) {
+        if (t == wanted && found.count++ == 0) found.firstSize = size;
+    });
     return found;
 }
 
@@ -92,13 +99,7 @@ TaggedSubRecords subRecordsTagged(std::string_view bytes, std::size_t start, std
 std::size_t referenceStructures(std::string_view bytes, std::size_t start, std::size_t end) {
     std::size_t total = 0;
     bool inReference = false, hasDetails = false;
-    end = std::min(end, bytes.size());
-    for (std::size_t p = start; p + 8 <= end;) {
-        Tag t;
-        std::int32_t size;
-        std::memcpy(&t, bytes.data() + p, 4);
-        std::memcpy(&size, bytes.data() + p + 4, 4);
-        if (size < 0) break;
+    forEachSubRecord(bytes, start, end, [&](Tag t, std::size_t) {
         if (t == tag("FRMR")) {
             total += sizeof(CellReference);
             inReference = true;
@@ -107,9 +108,7 @@ std::size_t referenceStructures(std::string_view bytes, std::size_t start, std::
             total += sizeof(ReferenceDetails) + 16; // and the allocation's own bookkeeping
             hasDetails = true;
         }
-        if (std::size_t(size) > end - p - 8) break;
-        p += 8 + std::size_t(size);
-    }
+    });
     return total;
 }
 
