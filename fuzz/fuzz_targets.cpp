@@ -145,10 +145,15 @@ void texts(const std::uint8_t* data, std::size_t size) {
     ScriptNames names;
     names.complete = true;
     auto none = [](std::string_view id) { return id.size() % 2 == 0; };
-    names.global = names.object = names.script = names.faction = names.cell = names.journal = none;
+    names.global = none;
+    names.has = [none](IdKind, std::string_view id) { return none(id); };
     names.journalIndex = [](std::string_view, long index) { return index % 10 == 0; };
+    names.localsOf = [](std::string_view id) -> std::optional<std::set<std::string>> {
+        if (id.size() % 3 == 0) return std::nullopt;
+        return std::set<std::string>{"a"};
+    };
     for (ScriptSource source : {ScriptSource::Result, ScriptSource::Record})
-        for (const ScriptProblem& p : checkScript(text, source, {}, names))
+        for (const ScriptProblem& p : checkScript(text, source, std::set<std::string>{}, names))
             if (p.line == 0) std::abort();
     std::vector<std::string> words;
     for (const WordAt& w : wordsToCheck(text)) {

@@ -1,6 +1,7 @@
 #include "script/script_check.h"
 
 #include "script/function_table.h"
+#include "script/script_expression.h"
 #include "script/script_reader.h"
 
 #include <algorithm>
@@ -9,6 +10,20 @@
 #include <vector>
 
 namespace quillon {
+
+const char* idKindName(IdKind kind) {
+    switch (kind) {
+    case IdKind::Object: return "object";
+    case IdKind::Spell: return "spell";
+    case IdKind::Journal: return "journal";
+    case IdKind::Script: return "script";
+    case IdKind::Faction: return "faction";
+    case IdKind::Cell: return "cell";
+    case IdKind::Sound: return "sound";
+    case IdKind::Region: return "region";
+    }
+    return "ID";
+}
 
 namespace {
 
@@ -19,8 +34,12 @@ std::string lower(std::string_view s) {
     return out;
 }
 
-// The arguments as values: a minus before a number belongs to it; other symbols (operators,
-// brackets) stand alone.
+bool isIdKind(char letter) {
+    return std::string_view("osjxfcdr").find(letter) != std::string_view::npos;
+}
+
+// The arguments of a statement as values: a minus before a number belongs to it; other symbols
+// (operators, brackets) stand alone.
 std::vector<ScriptToken> values(const std::vector<ScriptToken>& arguments) {
     std::vector<ScriptToken> out;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -32,49 +51,23 @@ std::vector<ScriptToken> values(const std::vector<ScriptToken>& arguments) {
     return out;
 }
 
-// The IDs each reference check looks up: the function, which argument, and which kind of ID.
-struct IdArgument {
-    const char* function;
-    std::size_t argument;
-    const char* kind;
-};
-constexpr IdArgument kIdArguments[] = {
-    {"journal", 0, "journal"},
-    {"setjournalindex", 0, "journal"},
-    {"getjournalindex", 0, "journal"},
-    {"additem", 0, "object"},
-    {"removeitem", 0, "object"},
-    {"placeatpc", 0, "object"},
-    {"placeatme", 0, "object"},
-    {"placeitem", 0, "object"},
-    {"placeitemcell", 0, "object"},
-    {"drop", 0, "object"},
-    {"equip", 0, "object"},
-    {"getitemcount", 0, "object"},
-    {"startscript", 0, "script"},
-    {"stopscript", 0, "script"},
-    {"scriptrunning", 0, "script"},
-    {"pcjoinfaction", 0, "faction"},
-    {"pcraiserank", 0, "faction"},
-    {"pclowerrank", 0, "faction"},
-    {"pcexpell", 0, "faction"},
-    {"pcclearexpelled", 0, "faction"},
-    {"getpcrank", 0, "faction"},
-    {"modpcfacrep", 1, "faction"},
-    {"setpcfacrep", 1, "faction"},
-    {"getpcfacrep", 0, "faction"},
-    {"positioncell", 4, "cell"},
-    {"getpccell", 0, "cell"},
-    {"placeitemcell", 1, "cell"},
-};
+// An ID as written before .variable, without its quotes.
+std::string_view objectOf(std::string_view remote) {
+    std::string_view id = remote.substr(0, remote.rfind('.'));
+    if (id.size() >= 2 && id.front() == '"') id = id.substr(1, id.size() - 2);
+    return id;
+}
 
-class Checker {
+class Checker : public ExpressionHost {
 public:
-    Checker(ScriptSource source, std::set<std::string> locals, const ScriptNames& names)
+    Checker(ScriptSource source, std::optional<std::set<std::string>> locals, const ScriptNames& names)
         : source_(source), locals_(std::move(locals)), names_(names) {}
 
     std::vector<ScriptProblem> run(std::string_view text) {
-        forEachStatement(text, [this](const ScriptStatement& s) { statement(s); });
+        forEachStatement(text, [this](const ScriptStatement& s) {
+            line_ = s.line;
+            statement(s);
+        });
         for (const Open& open : blocks_)
             report(open.line,
                    std::string(open.keyword) + " is not closed by end" + std::string(open.keyword));
@@ -84,6 +77,42 @@ public:
                          [](const ScriptProblem& a, const ScriptProblem& b) { return a.line < b.line; });
         return std::move(problems_);
     }
+
+    void problem(std::string reason) override { report(line_, std::move(reason)); }
+
+    bool isVariable(std::string_view name) const override {
+        return (locals_ && locals_->count(lower(name))) || (names_.global && names_.global(name));
+    }
+
+    void value(std::string_view name) override {
+        if (name.find('.') != std::string_view::npos) return remoteVariable(name);
+        if (misspelledFunction(name)) {
+            report(line_, "\"" + std::string(name) + "\" is neither a function nor a keyword of the game");
+        } else if (judgesVariables()) {
+            report(line_,
+                   "\"" + std::string(name) + "\" is neither a variable nor a function" + whereVariables());
+        }
+    }
+
+    void call(const ScriptFunction& f, std::string_view written,
+              const std::vector<ScriptToken>& args) override {
+        std::string_view kinds = f.arguments;
+        for (std::size_t i = 0, k = 0; i < args.size() && k < kinds.size(); ++k) {
+            if (kinds[k] == '/') continue;
+            const ScriptToken& a = args[i++];
+            if (kinds[k] == 'n' && a.kind == ScriptToken::Text)
+                report(line_, "argument " + std::to_string(i) + " of " + std::string(written) +
+                                  " is a number, not \"" + std::string(a.text) + "\"");
+            else if (kinds[k] == 'n' && a.kind == ScriptToken::Name && !isVariable(a.text) &&
+                     !findFunction(a.text))
+                value(a.text);
+            else if (isIdKind(kinds[k]) && a.kind != ScriptToken::Number)
+                reference(written, static_cast<IdKind>(kinds[k]), a.text,
+                          i < args.size() ? &args[i] : nullptr);
+        }
+    }
+
+    void extender(std::string_view name) override { report(line_, std::string(name), "extender"); }
 
 private:
     struct Open {
@@ -99,14 +128,36 @@ private:
         if (problems_.size() < kMostProblems) problems_.push_back({line, kind, std::move(reason)});
     }
 
-    bool isVariable(std::string_view name) const {
-        return locals_.count(lower(name)) || (names_.global && names_.global(name));
+    // An undeclared name is a fault only when both the locals and the load order are known whole.
+    bool judgesVariables() const { return locals_ && names_.complete && names_.global; }
+
+    const char* whereVariables() const {
+        return source_ == ScriptSource::Result ? " (neither a global nor a local of the speaker's script)"
+                                               : " (neither a local nor a global)";
+    }
+
+    void remoteVariable(std::string_view name) {
+        if (!names_.complete || !names_.localsOf) return;
+        std::string_view id = objectOf(name), variable = name.substr(name.rfind('.') + 1);
+        std::optional<std::set<std::string>> locals = names_.localsOf(id);
+        if (!locals)
+            report(line_, "no object or script \"" + std::string(id) + "\" in the load order", "reference");
+        else if (locals->empty())
+            report(line_,
+                   "\"" + std::string(id) + "\" runs no script, so it has no variable \"" +
+                       std::string(variable) + "\"",
+                   "reference");
+        else if (!locals->count(lower(variable)))
+            report(line_,
+                   "the script of \"" + std::string(id) + "\" has no variable \"" + std::string(variable) +
+                       "\"",
+                   "reference");
     }
 
     void statement(const ScriptStatement& s) {
         if (s.unterminated) report(s.line, "a text is not closed by its quote");
-        if (!s.reference.empty() && names_.complete && names_.object && !sameName(s.reference, "player") &&
-            !names_.object(s.reference))
+        if (!s.reference.empty() && !sameName(s.reference, "player") && names_.complete && names_.has &&
+            !names_.has(IdKind::Object, s.reference))
             report(s.line,
                    "the reference \"" + std::string(s.reference) + "\" names no object of the load order",
                    "reference");
@@ -121,14 +172,18 @@ private:
         } else if (head == "short" || head == "long" || head == "float") {
             if (args.empty() || args[0].kind != ScriptToken::Name)
                 report(s.line, std::string(s.head.text) + " declares no variable");
-            else
-                locals_.insert(lower(args[0].text));
+            else if (locals_)
+                locals_->insert(lower(args[0].text));
         } else if (head == "set") {
-            setStatement(s, args);
+            setStatement(s);
         } else if (head == "if" || head == "while") {
             blocks_.push_back({s.line, head == "if" ? "if" : "while"});
-            if (args.empty()) report(s.line, std::string(s.head.text) + " has no condition");
-        } else if (head == "elseif" || head == "else") {
+            condition(s);
+        } else if (head == "elseif") {
+            if (blocks_.empty() || std::string_view(blocks_.back().keyword) != "if")
+                report(s.line, std::string(s.head.text) + " without if");
+            condition(s);
+        } else if (head == "else") {
             if (blocks_.empty() || std::string_view(blocks_.back().keyword) != "if")
                 report(s.line, std::string(s.head.text) + " without if");
         } else if (head == "endif" || head == "endwhile") {
@@ -144,25 +199,35 @@ private:
         } else if (head == "choice") {
             choice(s, args);
         } else {
-            call(s, head, args);
+            instruction(s, head, args);
         }
     }
 
-    void setStatement(const ScriptStatement& s, const std::vector<ScriptToken>& args) {
-        auto to = std::find_if(args.begin(), args.end(), [](const ScriptToken& t) {
+    void condition(const ScriptStatement& s) {
+        if (s.arguments.empty()) return report(s.line, std::string(s.head.text) + " has no condition");
+        checkExpression(s.arguments, *this);
+    }
+
+    void setStatement(const ScriptStatement& s) {
+        auto to = std::find_if(s.arguments.begin(), s.arguments.end(), [](const ScriptToken& t) {
             return t.kind == ScriptToken::Name && sameName(t.text, "to");
         });
-        if (to == args.end() || to == args.begin()) {
-            report(s.line, "set without a variable and to");
-            return;
+        if (to == s.arguments.end() || to == s.arguments.begin())
+            return report(s.line, "set without a variable and to");
+        const ScriptToken& target = s.arguments.front();
+        if (to != s.arguments.begin() + 1 || target.kind != ScriptToken::Name)
+            return report(s.line, "set takes one variable before to");
+        if (to + 1 == s.arguments.end())
+            return report(s.line, "set " + std::string(target.text) + " to nothing");
+        if (!s.reference.empty()) {
+        } else if (target.text.find('.') != std::string_view::npos) {
+            remoteVariable(target.text);
+        } else if (!isVariable(target.text) && judgesVariables()) {
+            report(s.line,
+                   "the variable \"" + std::string(target.text) + "\" is not declared" + whereVariables());
         }
-        if (to == args.begin() + 1 && args[0].kind == ScriptToken::Name && s.reference.empty() &&
-            !isVariable(args[0].text) && names_.complete && names_.global)
-            report(s.line, "the variable \"" + std::string(args[0].text) + "\" is not declared" +
-                               (source_ == ScriptSource::Result
-                                    ? " (neither a global nor a local of the speaker's script)"
-                                    : " (neither a local nor a global)"));
-        if (to + 1 == args.end()) report(s.line, "set " + std::string(args[0].text) + " to nothing");
+        checkExpression(std::span<const ScriptToken>(&*(to + 1), std::size_t(s.arguments.end() - to - 1)),
+                        *this);
     }
 
     void choice(const ScriptStatement& s, const std::vector<ScriptToken>& args) {
@@ -172,7 +237,10 @@ private:
         if (!paired) report(s.line, "Choice must pair each text in quotes with a number");
     }
 
-    void call(const ScriptStatement& s, const std::string& head, const std::vector<ScriptToken>& args) {
+    // A statement calling a function: its arguments are words and numbers, as the compiler
+    // reads them after an instruction.
+    void instruction(const ScriptStatement& s, const std::string& head,
+                     const std::vector<ScriptToken>& args) {
         const ScriptFunction* f = findFunction(head);
         if (!f) {
             if (isExtenderFunction(s.head.text))
@@ -182,64 +250,51 @@ private:
                                    "\" is neither a function nor a keyword of the game");
             return;
         }
-        std::size_t required = f->required();
-        if (args.size() < required) {
-            report(s.line, std::string(s.head.text) + " takes " + std::to_string(required) + " argument" +
-                               (required == 1 ? "" : "s") + ", " + std::to_string(args.size()) + " given");
-            return;
-        }
-        std::string_view kinds = f->arguments;
-        for (std::size_t i = 0, k = 0; i < args.size() && k < kinds.size(); ++k) {
-            if (kinds[k] == '/') continue;
-            if (kinds[k] == 'n' && args[i].kind == ScriptToken::Text)
-                report(s.line, "argument " + std::to_string(i + 1) + " of " + std::string(s.head.text) +
-                                   " is a number, not \"" + std::string(args[i].text) + "\"");
-            ++i;
-        }
-        if (names_.complete) references(s, head, args);
+        std::size_t required = f->required(), most = f->most();
+        bool plain = std::none_of(args.begin(), args.end(),
+                                  [](const ScriptToken& t) { return t.kind == ScriptToken::Symbol; });
+        if (args.size() < required)
+            return report(s.line, std::string(s.head.text) + " takes " + std::to_string(required) +
+                                      " argument" + (required == 1 ? "" : "s") + ", " +
+                                      std::to_string(args.size()) + " given");
+        if (plain && args.size() > most)
+            return report(s.line, std::string(s.head.text) + " takes at most " + std::to_string(most) +
+                                      " argument" + (most == 1 ? "" : "s") + ", " +
+                                      std::to_string(args.size()) + " given");
+        call(*f, s.head.text, args);
     }
 
-    void references(const ScriptStatement& s, const std::string& head, const std::vector<ScriptToken>& args) {
-        for (const IdArgument& a : kIdArguments) {
-            if (head != a.function || a.argument >= args.size() ||
-                args[a.argument].kind == ScriptToken::Number)
-                continue;
-            std::string_view id = args[a.argument].text, kind = a.kind;
-            const auto& known = kind == "journal"   ? names_.journal
-                                : kind == "object"  ? names_.object
-                                : kind == "script"  ? names_.script
-                                : kind == "faction" ? names_.faction
-                                                    : names_.cell;
-            if (known && !known(id)) {
-                report(s.line,
-                       std::string(s.head.text) + ": no " + std::string(kind) + " \"" + std::string(id) +
-                           "\" in the load order",
-                       "reference");
-                continue;
-            }
-            if (kind == "journal" && head != "getjournalindex" && args.size() > 1 &&
-                args[1].kind == ScriptToken::Number && names_.journalIndex &&
-                !names_.journalIndex(id, std::strtol(std::string(args[1].text).c_str(), nullptr, 10)))
-                report(s.line,
-                       "the journal \"" + std::string(id) + "\" has no entry of index " +
-                           std::string(args[1].text),
-                       "reference");
-        }
+    void reference(std::string_view function, IdKind kind, std::string_view id, const ScriptToken* next) {
+        if (!names_.complete || !names_.has) return;
+        if (kind == IdKind::Object && sameName(id, "player")) return;
+        if (!names_.has(kind, id))
+            return report(line_,
+                          std::string(function) + ": no " + idKindName(kind) + " \"" + std::string(id) +
+                              "\" in the load order",
+                          "reference");
+        // Journal and SetJournalIndex name an entry that must exist; GetJournalIndex only compares.
+        if (kind == IdKind::Journal && !sameName(function, "getjournalindex") && next &&
+            next->kind == ScriptToken::Number && names_.journalIndex &&
+            !names_.journalIndex(id, std::strtol(std::string(next->text).c_str(), nullptr, 10)))
+            report(line_,
+                   "the journal \"" + std::string(id) + "\" has no entry of index " + std::string(next->text),
+                   "reference");
     }
 
     ScriptSource source_;
-    std::set<std::string> locals_;
+    std::optional<std::set<std::string>> locals_;
     const ScriptNames& names_;
     std::vector<Open> blocks_;
     bool begun_ = false, ended_ = false;
-    std::size_t beginLine_ = 0;
+    std::size_t beginLine_ = 0, line_ = 0;
     std::vector<ScriptProblem> problems_;
 };
 
 } // namespace
 
 std::vector<ScriptProblem> checkScript(std::string_view text, ScriptSource source,
-                                       std::set<std::string> locals, const ScriptNames& names) {
+                                       std::optional<std::set<std::string>> locals,
+                                       const ScriptNames& names) {
     return Checker(source, std::move(locals), names).run(text);
 }
 

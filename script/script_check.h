@@ -3,6 +3,7 @@
 // response or the text of a script record.
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -10,13 +11,30 @@
 
 namespace quillon {
 
+// The kinds of ID a function's argument names, by the letter the function table gives it.
+enum class IdKind : char {
+    Object = 'o',
+    Spell = 's',
+    Journal = 'j',
+    Script = 'x',
+    Faction = 'f',
+    Cell = 'c',
+    Sound = 'd',
+    Region = 'r',
+};
+const char* idKindName(IdKind kind);
+
 // The IDs the load order defines, asked for by the reference checks; each answers for an ID in
 // any letter case. Without complete, a master is missing and an ID none of the files read
-// defines may be its: references are not checked at all then.
+// defines may be its: neither references nor undeclared names are judged then.
 struct ScriptNames {
     bool complete = false;
-    std::function<bool(std::string_view)> global, object, script, faction, cell, journal;
+    std::function<bool(std::string_view)> global;
+    std::function<bool(IdKind, std::string_view)> has;
     std::function<bool(std::string_view, long)> journalIndex;
+    // The variables of the script an object runs (or of the global script of that ID), folded to
+    // lower case; empty for an object that runs none; nothing when the load order has neither.
+    std::function<std::optional<std::set<std::string>>(std::string_view)> localsOf;
 };
 
 struct ScriptProblem {
@@ -30,8 +48,9 @@ struct ScriptProblem {
 enum class ScriptSource { Result, Record };
 
 // The problems of a script, in line order. locals are the variables it may use besides the
-// globals (for a result script, those of the speaker's script), folded to lower case.
+// globals (for a result script, those of the speaker's script), folded to lower case; nothing
+// when they cannot be known (a response any actor may give).
 std::vector<ScriptProblem> checkScript(std::string_view text, ScriptSource source,
-                                       std::set<std::string> locals, const ScriptNames& names);
+                                       std::optional<std::set<std::string>> locals, const ScriptNames& names);
 
 } // namespace quillon

@@ -7,7 +7,37 @@ namespace quillon {
 namespace {
 
 bool isNameByte(unsigned char c) {
-    return std::isalnum(c) || c == '_' || c == '\'' || c >= 0x80;
+    return std::isalnum(c) || c == '_' || c == '\'' || c == '`' || c >= 0x80;
+}
+
+// The game's compiler takes a minus inside a word as part of it: "ex_vivec-door" is one ID.
+bool continuesName(std::string_view line, std::size_t at) {
+    auto c = static_cast<unsigned char>(line[at]);
+    return isNameByte(c) ||
+           (c == '-' && at + 1 < line.size() && isNameByte(static_cast<unsigned char>(line[at + 1])));
+}
+
+bool isComparisonByte(char c) {
+    return c == '=' || c == '<' || c == '>' || c == '!';
+}
+
+// A comparison as the compiler reads it: a run of = < > ! and blanks, decided by its first
+// character and whether = follows (a lone = is ==, =< is ==).
+std::string_view comparison(std::string_view line, std::size_t& i) {
+    char first = line[i];
+    bool equalsNext = false;
+    std::size_t j = i + 1;
+    while (j < line.size() && (isComparisonByte(line[j]) || line[j] == ' ' || line[j] == '\t')) {
+        if (j == i + 1 && line[j] == '=') equalsNext = true;
+        ++j;
+    }
+    i = j;
+    switch (first) {
+    case '<': return equalsNext ? "<=" : "<";
+    case '>': return equalsNext ? ">=" : ">";
+    case '!': return "!=";
+    default: return "==";
+    }
 }
 
 // Where ".variable" after an object's ID ends, when one follows at; at itself otherwise.
@@ -46,19 +76,29 @@ std::vector<ScriptToken> tokens(std::string_view line, bool& unterminated) {
         } else if (isNameByte(c)) {
             std::size_t start = i;
             bool number = true;
-            while (i < line.size() && (isNameByte(static_cast<unsigned char>(line[i])) ||
-                                       (line[i] == '.' && number && i + 1 < line.size() &&
-                                        std::isdigit(static_cast<unsigned char>(line[i + 1]))))) {
-                number = number && (std::isdigit(static_cast<unsigned char>(line[i])) || line[i] == '.');
+            while (i < line.size()) {
+                if (number && line[i] == '.' && i + 1 < line.size() &&
+                    std::isdigit(static_cast<unsigned char>(line[i + 1]))) {
+                    ++i;
+                    continue;
+                }
+                if (number ? !isNameByte(static_cast<unsigned char>(line[i])) : !continuesName(line, i))
+                    break;
+                number = number && std::isdigit(static_cast<unsigned char>(line[i]));
                 ++i;
             }
             if (!number) i = variableAfter(line, i); // some_id.variable
             out.push_back({number ? ScriptToken::Number : ScriptToken::Name, line.substr(start, i - start)});
+        } else if (isComparisonByte(line[i])) {
+            out.push_back({ScriptToken::Symbol, comparison(line, i)});
         } else {
-            std::string_view two = line.substr(i, 2);
-            std::size_t n = two == "->" || two == "==" || two == "!=" || two == "<=" || two == ">=" ? 2 : 1;
-            out.push_back({ScriptToken::Symbol, line.substr(i, n)});
-            i += n;
+            // [ and ] stand for ( and ), as the compiler allows.
+            std::string_view symbol = c == '['                    ? "("
+                                      : c == ']'                  ? ")"
+                                      : line.substr(i, 2) == "->" ? "->"
+                                                                  : line.substr(i, 1);
+            out.push_back({ScriptToken::Symbol, symbol});
+            i += symbol == "->" ? 2 : 1;
         }
     }
     return out;

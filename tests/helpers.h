@@ -210,7 +210,6 @@ inline std::string readAll(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// The corpus of real files: $QUILLON_CORPUS, or the folder beside the project.
 // The records of a file's bytes, each as its bytes, found by their stored sizes.
 inline std::vector<std::string> splitRecords(const std::string& bytes) {
     std::vector<std::string> out;
@@ -223,6 +222,7 @@ inline std::vector<std::string> splitRecords(const std::string& bytes) {
     return out;
 }
 
+// The corpus of real files: $QUILLON_CORPUS, or the folder beside the project.
 inline std::string corpusDir() {
     const char* set = std::getenv("QUILLON_CORPUS");
     return set && *set ? set : QUILLON_CORPUS;

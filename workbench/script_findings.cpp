@@ -10,21 +10,43 @@ namespace quillon {
 
 namespace {
 
+std::set<std::string> variablesOf(const ScptRecord& script) {
+    std::set<std::string> out;
+    for (const auto* list : {&script.ShortNames, &script.LongNames, &script.FloatNames})
+        for (const std::string& name : *list)
+            out.insert(foldedKey(name));
+    return out;
+}
+
 // The IDs of the file and its masters, each kind folded for lookups in any letter case.
 struct LoadOrderIds {
-    std::unordered_set<std::string> globals, objects, scripts, factions, journals;
+    std::unordered_set<std::string> globals, objects, spells, scripts, factions, journals, sounds, regions;
     std::vector<std::string> cells;
     std::unordered_map<std::string, std::set<long>> journalIndexes;
+    // The script each object runs, by object; the variables of each script, by script.
+    std::unordered_map<std::string, std::string> scriptOf;
+    std::unordered_map<std::string, std::set<std::string>> variables;
 
     void add(const RecordStore& s) {
         s.forEachArray([&](const auto& array) {
-            for (const auto& r : array)
+            for (const auto& r : array) {
                 if constexpr (requires { std::string_view(r.NAME); }) objects.insert(foldedKey(r.NAME));
+                if constexpr (requires { std::string_view(r.SCRI); })
+                    scriptOf[foldedKey(r.NAME)] = foldedKey(r.SCRI);
+            }
         });
         for (const GlobRecord& g : s.GLOB)
             globals.insert(foldedKey(g.NAME));
-        for (const ScptRecord& r : s.SCPT)
+        for (const SpelRecord& r : s.SPEL)
+            spells.insert(foldedKey(r.NAME));
+        for (const SounRecord& r : s.SOUN)
+            sounds.insert(foldedKey(r.NAME));
+        for (const RegnRecord& r : s.REGN)
+            regions.insert(foldedKey(r.NAME));
+        for (const ScptRecord& r : s.SCPT) {
             scripts.insert(foldedKey(fixedText(r.ScriptName)));
+            variables[foldedKey(fixedText(r.ScriptName))] = variablesOf(r);
+        }
         for (const FactRecord& f : s.FACT)
             factions.insert(foldedKey(f.NAME));
         for (const CellRecord& c : s.CELL)
@@ -35,20 +57,26 @@ struct LoadOrderIds {
             if (journals.count(foldedKey(r.Topic))) journalIndexes[foldedKey(r.Topic)].insert(r.Disposition);
     }
 
+    const std::unordered_set<std::string>& of(IdKind kind) const {
+        switch (kind) {
+        case IdKind::Spell: return spells;
+        case IdKind::Journal: return journals;
+        case IdKind::Script: return scripts;
+        case IdKind::Faction: return factions;
+        case IdKind::Sound: return sounds;
+        case IdKind::Region: return regions;
+        default: return objects;
+        }
+    }
+
     ScriptNames names(bool complete) const {
-        auto in = [](const std::unordered_set<std::string>& set) {
-            return [&set](std::string_view id) { return set.count(foldedKey(id)) != 0; };
-        };
         ScriptNames n;
         n.complete = complete;
-        n.global = in(globals);
-        n.object = in(objects);
-        n.script = in(scripts);
-        n.faction = in(factions);
-        n.journal = in(journals);
-        // GetPCCell and PositionCell name a cell by the start of its name, as the game matches.
-        n.cell = [this](std::string_view id) {
+        n.global = [this](std::string_view id) { return globals.count(foldedKey(id)) != 0; };
+        n.has = [this](IdKind kind, std::string_view id) {
             std::string key = foldedKey(id);
+            if (kind != IdKind::Cell) return of(kind).count(key) != 0;
+            // GetPCCell and PositionCell name a cell by the start of its name, as the game matches.
             for (const std::string& c : cells)
                 if (c.rfind(key, 0) == 0) return true;
             return false;
@@ -57,52 +85,28 @@ struct LoadOrderIds {
             auto found = journalIndexes.find(foldedKey(id));
             return found != journalIndexes.end() && found->second.count(index);
         };
+        n.localsOf = [this](std::string_view id) -> std::optional<std::set<std::string>> {
+            std::string key = foldedKey(id);
+            auto object = scriptOf.find(key);
+            if (object == scriptOf.end() && !objects.count(key)) {
+                auto script = variables.find(key); // a global script's variables, by its ID
+                if (script == variables.end()) return std::nullopt;
+                return script->second;
+            }
+            if (object == scriptOf.end() || object->second.empty()) return std::set<std::string>{};
+            auto script = variables.find(object->second);
+            return script == variables.end() ? std::set<std::string>{} : script->second;
+        };
         return n;
     }
 };
 
-std::set<std::string> variablesOf(const ScptRecord& script) {
-    std::set<std::string> out;
-    for (const auto* list : {&script.ShortNames, &script.LongNames, &script.FloatNames})
-        for (const std::string& name : *list)
-            out.insert(foldedKey(name));
-    return out;
+// The variables a response's result script may use besides the globals: those of its speaker's
+// script; not known for a response any actor may give.
+std::optional<std::set<std::string>> speakerLocals(const ScriptNames& names, const std::string& speaker) {
+    if (speaker.empty()) return std::nullopt;
+    return names.localsOf(speaker);
 }
-
-// The local variables of the script the speaker of a response runs, in the file or its masters.
-class SpeakerScripts {
-public:
-    SpeakerScripts(const RecordStore& own, const LoadOrder* masters) : masters_(masters) {
-        for (const NpcRecord& n : own.NPC_)
-            scriptOf_.emplace(foldedKey(n.NAME), n.SCRI);
-        for (const CreaRecord& c : own.CREA)
-            scriptOf_.emplace(foldedKey(c.NAME), c.SCRI);
-        for (const ScptRecord& s : own.SCPT)
-            scripts_.emplace(foldedKey(fixedText(s.ScriptName)), &s);
-    }
-    std::set<std::string> locals(const std::string& speaker) const {
-        std::string script;
-        if (auto found = scriptOf_.find(foldedKey(speaker)); found != scriptOf_.end())
-            script = found->second;
-        else if (masters_) {
-            if (const NpcRecord* n = masters_->findInMasters(&RecordStore::NPC_, speaker)) script = n->SCRI;
-            if (const CreaRecord* c = masters_->findInMasters(&RecordStore::CREA, speaker)) script = c->SCRI;
-        }
-        if (script.empty()) return {};
-        if (auto found = scripts_.find(foldedKey(script)); found != scripts_.end())
-            return variablesOf(*found->second);
-        if (masters_)
-            for (auto m = masters_->masters.rbegin(); m != masters_->masters.rend(); ++m)
-                for (const ScptRecord& s : (*m)->store.SCPT)
-                    if (equalsIgnoreCase(fixedText(s.ScriptName), script)) return variablesOf(s);
-        return {};
-    }
-
-private:
-    const LoadOrder* masters_;
-    std::unordered_map<std::string, std::string> scriptOf_;
-    std::unordered_map<std::string, const ScptRecord*> scripts_;
-};
 
 } // namespace
 
@@ -140,22 +144,21 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
             out.push_back(std::move(f));
         }
     };
-    SpeakerScripts speakers(store, masters);
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         if (r.BNAM.empty()) continue;
         // The game's compiler reads a script up to its first NUL byte, as many end.
         std::string_view compiled = std::string_view(r.BNAM).substr(0, r.BNAM.find('\0'));
         addAll(aboutResponse(store.INFO, i, "script"),
-               checkScript(compiled, ScriptSource::Result, speakers.locals(r.ONAM), names));
+               checkScript(compiled, ScriptSource::Result, speakerLocals(names, r.ONAM), names));
     }
     for (const ScptRecord& s : store.SCPT) {
         if (s.SCTX.empty()) continue;
         Finding f;
         f.record = "SCPT";
         f.id = fixedText(s.ScriptName);
-        addAll(f, checkScript(std::string_view(s.SCTX).substr(0, s.SCTX.find('\0')), ScriptSource::Record, {},
-                              names));
+        addAll(f, checkScript(std::string_view(s.SCTX).substr(0, s.SCTX.find('\0')), ScriptSource::Record,
+                              std::set<std::string>{}, names));
     }
     if (!extenders.empty())
         notes.push_back(
