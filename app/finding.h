@@ -17,7 +17,7 @@ struct Finding {
     std::string detail;
     std::string before, after;            // for style: the text and what the clean-up makes of it
     std::size_t info = 0;                 // for responses: the index in the store's INFO array
-    std::size_t line = 0;                 // for script and reference: the script's line, from 1
+    std::size_t line = 0, column = 0;     // for script and reference: where in the script, from 1
     std::string word;                     // for spelling: the word not known
     std::vector<std::string> suggestions; // and what the dictionary offers instead
 };

@@ -196,22 +196,64 @@ LoadOrder findMasters(const RecordStore& own, const std::string& path, const Mas
     return order;
 }
 
-void readMasters(LoadOrder& order) {
+namespace {
+
+std::string stampOf(const std::string& path) {
+    std::error_code ec;
+    auto size = fs::file_size(path, ec);
+    auto time = fs::last_write_time(path, ec);
+    return ec ? std::string() : std::to_string(size) + ":" + std::to_string(time.time_since_epoch().count());
+}
+
+} // namespace
+
+std::shared_ptr<const RecordStore> MasterCache::find(const std::string& path) const {
+    auto found = entries_.find(path);
+    if (found == entries_.end() || found->second.stamp.empty() || found->second.stamp != stampOf(path))
+        return nullptr;
+    return found->second.records.lock();
+}
+
+void MasterCache::keep(const std::string& path, const std::shared_ptr<const RecordStore>& records) {
+    std::erase_if(entries_, [](const auto& entry) { return entry.second.records.expired(); });
+    entries_[path] = {stampOf(path), records};
+}
+
+std::vector<std::string> contentFiles(const MasterSearch& search, std::vector<std::string>& missing,
+                                      std::string& configPath) {
+    OpenMwConfig config = readOpenMwConfig(search.system, search.openMwConfig);
+    configPath = config.path;
+    FolderFiles files(std::vector<std::string>(config.dataFolders.rbegin(), config.dataFolders.rend()));
+    std::vector<std::string> out;
+    for (const std::string& name : config.values("content")) {
+        std::string path = files.find(name);
+        (path.empty() ? missing : out).push_back(path.empty() ? name : path);
+    }
+    return out;
+}
+
+void readMasters(LoadOrder& order, MasterCache* cache) {
     auto start = std::chrono::steady_clock::now();
     for (auto& master : order.masters) {
         if (!master->found()) continue;
+        if (auto kept = cache ? cache->find(master->path) : nullptr) {
+            master->records = std::move(kept);
+            continue;
+        }
         Quiet prompts;
         std::int32_t count = 0;
         ReadDiagnostics diagnostics;
+        auto store = std::make_shared<RecordStore>();
         try {
-            ReadESFile(master->store, master->path, count, true, prompts, &diagnostics);
+            ReadESFile(*store, master->path, count, true, prompts, &diagnostics);
         } catch (const std::bad_alloc&) {
             // A master too large for memory is left out, as one not found would be.
-            ClearRecords(master->store);
             order.searchNotes.push_back(master->name +
                                         " is too large to be read into memory; its records are not known");
             continue;
         }
+        master->records = store;
+        if (cache && diagnostics.stoppedAt == 0) cache->keep(master->path, store);
         if (diagnostics.stoppedAt != 0)
             order.searchNotes.push_back(master->name + " holds bytes that are not records from byte " +
                                         std::to_string(diagnostics.stoppedAt) +

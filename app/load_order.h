@@ -31,7 +31,11 @@ struct MasterFile {
     std::int64_t size = 0;            // its size on disk
     std::string namedBy;              // the file whose header named it first
     std::vector<std::string> masters; // the masters its own header names
-    RecordStore store;                // its records, once read
+    // Its records, once read; shared with every other load order naming the same file unchanged.
+    std::shared_ptr<const RecordStore> records = std::make_shared<RecordStore>();
+    const RecordStore& store() const { return *records; }
+    // Names the spelling check accepts, given by a master summary in place of its records.
+    std::vector<std::string> names;
     bool found() const { return !path.empty(); }
     bool changed() const { return found() && recordedSize != 0 && recordedSize != size; }
 };
@@ -60,7 +64,7 @@ const R* LoadOrder::findInMasters(std::vector<R> RecordStore::*array, std::strin
     using Index = std::unordered_map<std::string, const R*>;
     std::string key = foldedKey(id);
     for (auto m = masters.rbegin(); m != masters.rend(); ++m) {
-        const std::vector<R>& records = (*m)->store.*array;
+        const std::vector<R>& records = (*m)->store().*array;
         if (records.empty()) continue;
         std::shared_ptr<void>& slot = indexes_[&records];
         if (!slot) {
@@ -75,10 +79,32 @@ const R* LoadOrder::findInMasters(std::vector<R> RecordStore::*array, std::strin
     return nullptr;
 }
 
+// The content= files of the search's openmw.cfg (the user's when it names none), in load order,
+// each found in the configuration's data folders as the engine finds it (later folders first);
+// a file no folder holds is named in missing.
+std::vector<std::string> contentFiles(const MasterSearch& search, std::vector<std::string>& missing,
+                                      std::string& configPath);
+
 // The masters of the file read into own (at path), their masters before them, each once; found
 // but not read.
 LoadOrder findMasters(const RecordStore& own, const std::string& path, const MasterSearch& search);
-// Reads every master found, as the active loading reads files (mapped on the command line).
-void readMasters(LoadOrder& order);
+// The masters' records in memory, by file: a master named by many plugins checked in one run is
+// read once. It holds them only while a load order does.
+class MasterCache {
+public:
+    std::shared_ptr<const RecordStore> find(const std::string& path) const;
+    void keep(const std::string& path, const std::shared_ptr<const RecordStore>& records);
+
+private:
+    struct Entry {
+        std::string stamp; // size and modification time when read
+        std::weak_ptr<const RecordStore> records;
+    };
+    std::unordered_map<std::string, Entry> entries_;
+};
+
+// Reads every master found, as the active loading reads files (mapped on the command line);
+// one already in cache, unchanged since, is taken from there.
+void readMasters(LoadOrder& order, MasterCache* cache = nullptr);
 
 } // namespace quillon

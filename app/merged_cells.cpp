@@ -74,7 +74,7 @@ private:
 std::vector<MergedCell> mergedCells(const LoadOrder& order, const RecordStore& own) {
     Merge merge(order);
     for (std::size_t p = 0; p < order.masters.size(); ++p)
-        merge.add(order.masters[p]->store, int(p), order.masters[p]->masters);
+        merge.add(order.masters[p]->store(), int(p), order.masters[p]->masters);
     std::vector<std::string> ownMasters;
     if (!own.TES3.empty())
         for (const MasterEntry& m : own.TES3.front().Masters)

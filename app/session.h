@@ -3,6 +3,7 @@
 #include "app/dialogs.h"
 #include "app/load_order.h"
 #include "app/log.h"
+#include "app/master_summary.h"
 #include "app/record_counts.h"
 #include "records/prompts.h"
 #include "records/record_store.h"
@@ -53,6 +54,9 @@ struct Session {
     MasterSearch masterSearch;
     std::shared_ptr<const LoadOrder> loadOrder;
     std::string loadOrderOf; // the file and stamp it was read for
+    MasterCache masterCache; // the masters read, shared by the files that name them
+    // Summaries (with the paths they were read from) that stand in for masters not found.
+    std::vector<std::pair<std::string, MasterSummary>> masterSummaries;
 };
 
 // The load order of the records' file, found and read on first use. The log gets one line

@@ -1,6 +1,8 @@
 #include "app/session.h"
 #include "writer/byte_sink.h"
 
+#include <set>
+
 namespace quillon {
 
 const LoadOrder& sessionMasters(Session& session) {
@@ -8,11 +10,19 @@ const LoadOrder& sessionMasters(Session& session) {
     if (session.loadOrder && session.loadOrderOf == of) return *session.loadOrder;
     auto order =
         std::make_shared<LoadOrder>(findMasters(session.store, session.recordsPath, session.masterSearch));
-    readMasters(*order);
+    readMasters(*order, &session.masterCache);
     std::string name = bareName(session.recordsPath), read;
+    std::set<std::string> summarised;
+    for (const auto& [path, summary] : session.masterSummaries)
+        for (const std::string& given : useMasterSummary(*order, summary, path)) {
+            summarised.insert(given);
+            session.log.LogLine("-Master \"" + given + "\" was taken from the summary \"" + bareName(path) +
+                                "\".");
+        }
     for (const std::string& note : order->searchNotes)
         session.log.LogLine("-Masters: " + note + ".");
     for (const auto& m : order->masters) {
+        if (summarised.count(m->name)) continue;
         if (!m->found()) {
             session.log.LogLine("-Master \"" + m->name + "\" of \"" + m->namedBy +
                                 "\" was not found; its records are not known.");

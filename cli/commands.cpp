@@ -41,22 +41,36 @@ Commands:
   loops FILE... [--fail-on-loop]   list responses whose result script offers again the choice
                                    that shows them, with the script line as written;
                                    --fail-on-loop exits 1 when any is found
-  check FILE... [--json] [--only KINDS] [OPTIONS]
+  check FILE... [--format text|json|sarif] [--only KINDS] [--master-summary SUMMARY]... [OPTIONS]
+  check --all-content [--openmw-cfg CFG] [...]
                                    change nothing; list what a writer should look at, one line
                                    each: FILE: KIND: INFO ID (topic "T", actor "A"): detail. KINDS
                                    (comma-separated): loop, choice (a choice no response answers),
-                                   topic (AddTopic of no topic of the file or of its masters;
-                                   choice and topic only when every master was found),
-                                   master (not found, or changed since the file was saved), long
-                                   (over 512 characters), spelling (only when asked for, with
-                                   --only spelling or --spelling: words of responses and topic names
-                                   that neither the dictionary nor the names of the file and its
-                                   masters know; --dictionary NAME|PATH picks the Hunspell
-                                   dictionary, en_US by default, --words FILE adds a UTF-8 word
-                                   list, one word a line),
+                                   topic (AddTopic of no topic of the file or of its masters),
+                                   script (what the game's compiler rejects in a result script or
+                                   script text), reference (an ID, a journal index or another
+                                   object's variable the load order lacks); choice, topic,
+                                   reference and undeclared variables only when every master was
+                                   found or summarised; master (not found, or changed since the
+                                   file was saved), long (over 512 characters), spelling (only
+                                   when asked for, with --only spelling or --spelling: words of
+                                   responses and topic names that neither the dictionary nor the
+                                   names of the file and its masters know; --dictionary NAME|PATH
+                                   picks the Hunspell dictionary, en_US by default, --words FILE
+                                   adds a UTF-8 word list, one word a line),
                                    style (what the clean-up with OPTIONS would change), damage (a
                                    record Save would write damaged), unknown (a record of unknown
-                                   type). Exit 0 with no findings, 1 with findings
+                                   type). --json (or --format json) writes a JSON array, --format
+                                   sarif a SARIF 2.1.0 log for code-scanning services;
+                                   --master-summary stands in for the masters it summarises that
+                                   are not found; --all-content checks every content= file of the
+                                   openmw.cfg in load order, each master read once. Exit 0 with
+                                   no findings, 1 with findings (or a file that cannot be read)
+  master-summary MASTER... -o SUMMARY
+                                   what the checks need from these masters (topics, choices, IDs
+                                   by type, globals, journals, scripts' variables, cells,
+                                   factions, names) as a small UTF-8 text file, for a CI job
+                                   where the masters cannot be present
   diff-dialogue OLD NEW [--json]   the responses added, removed and changed (text, topic, actor,
                                    result script, conditions) between two files, by INFO ID; exit
                                    0 when they are equal, 1 when they differ
@@ -310,11 +324,18 @@ const std::vector<Command>& commands() {
          {"-o"}},
         {"loops", 1, {"--help", "--fail-on-loop"}, {"--unknown"}, loopsCommand, {}, true},
         {"check",
-         1,
-         kCleanupOptionsWith({"--json", "--with-masters", "--spelling"}),
-         {"--unknown", "--only", "--dictionary", "--words"},
+         0,
+         kCleanupOptionsWith({"--json", "--with-masters", "--spelling", "--all-content"}),
+         {"--unknown", "--only", "--dictionary", "--words", "--format", "--master-summary"},
          checkCommand,
          {},
+         true},
+        {"master-summary",
+         1,
+         {"--help", "--replace-read-only"},
+         {"--unknown", "-o"},
+         masterSummaryCommand,
+         {"-o"},
          true},
         {"diff-dialogue", 2, {"--help", "--json"}, {"--unknown"}, diffDialogueCommand},
         {"morrowindize",

@@ -43,6 +43,7 @@ void printJson(std::ostream& out, const std::vector<std::string>& items);
 
 // The workbench: check, diff-dialogue and the loop list of several files.
 int checkCommand(Context& c);
+int masterSummaryCommand(Context& c);
 int diffDialogueCommand(Context& c);
 int loopsCommand(Context& c);
 

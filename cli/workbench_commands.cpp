@@ -2,12 +2,15 @@
 #include "app/encoding.h"
 #include "app/file_commands.h"
 #include "app/parallel.h"
+#include "app/replace_target.h"
 #include "cli/context.h"
+#include "cli/sarif.h"
 #include "dialogue/dialogue_commands.h"
 #include "records/source_bytes.h"
 #include "workbench/check.h"
 #include "workbench/diff.h"
 #include "workbench/spelling.h"
+#include "writer/byte_sink.h"
 #include "writer/es_write.h"
 
 #include <algorithm>
@@ -163,20 +166,80 @@ std::unique_ptr<SpellChecker> openDictionary(Context& c) {
     return checker;
 }
 
+// The summaries of --master-summary, read into the session; false with a message for one that
+// cannot be used.
+bool readMasterSummaries(Context& c) {
+    for (const std::string& path : c.args.all("--master-summary")) {
+        std::string error;
+        std::string text = loadFile(path, error);
+        MasterSummary summary;
+        if (error.empty()) readMasterSummary(text, summary, error);
+        if (!error.empty()) {
+            c.err << "quillon check: the master summary \"" << forTerminal(path)
+                  << "\" cannot be used: " << forTerminal(error) << "\n";
+            return false;
+        }
+        c.session.masterSummaries.emplace_back(path, std::move(summary));
+    }
+    return true;
+}
+
+// The files to check: those given, or with --all-content the content= files of openmw.cfg in
+// load order. Empty, with a message, when there are none.
+std::vector<std::string> filesToCheck(Context& c, bool& missing) {
+    if (!c.args.has("--all-content")) {
+        if (c.args.positional.empty()) c.err << "quillon check: give the files to check, or --all-content\n";
+        return c.args.positional;
+    }
+    if (!c.args.positional.empty()) {
+        c.err << "quillon check: --all-content checks the content= files of openmw.cfg; give no files with "
+                 "it\n";
+        return {};
+    }
+    std::vector<std::string> absent;
+    std::string config;
+    std::vector<std::string> files = contentFiles(c.session.masterSearch, absent, config);
+    if (config.empty()) {
+        c.err << "quillon check: no openmw.cfg was found to read content= from (give it with --openmw-cfg "
+                 "FILE)\n";
+        return {};
+    }
+    for (const std::string& name : absent)
+        c.err << "quillon: " << forTerminal(name) << ": named by content= in " << forTerminal(config)
+              << " but in none of its data folders\n";
+    missing = !absent.empty();
+    if (files.empty() && absent.empty())
+        c.err << "quillon check: " << forTerminal(config) << " names no content= files\n";
+    return files;
+}
+
+enum class FindingFormat { Text, Json, Sarif };
+
 int checkCommand(Context& c) {
     CheckOptions options;
     options.style = cleanupSettings(c.args);
     if (!parseKinds(c.args.value("--only"), options.only, c.err)) return 2;
+    std::string formatName = c.args.value("--format", c.args.has("--json") ? "json" : "text");
+    if (formatName != "text" && formatName != "json" && formatName != "sarif") {
+        c.err << "quillon check: --format takes text, json or sarif\n";
+        return 2;
+    }
+    FindingFormat format = formatName == "json"    ? FindingFormat::Json
+                           : formatName == "sarif" ? FindingFormat::Sarif
+                                                   : FindingFormat::Text;
+    if (!readMasterSummaries(c)) return 2;
+    bool unreadable = false;
+    std::vector<std::string> files = filesToCheck(c, unreadable);
+    if (files.empty()) return unreadable ? 1 : 2;
     // Spelling is checked only when asked for: it needs a dictionary, a plain check does not.
     if (c.args.has("--spelling") || options.only.count("spelling")) {
         c.spelling = openDictionary(c);
         if (!c.spelling) return 2;
         options.spelling = c.spelling.get();
     }
-    bool json = c.args.has("--json"), unreadable = false;
     // The findings formatted, in order: text lines, or JSON items joined as printJson joins them.
     std::vector<std::string> parts;
-    for (const std::string& path : c.args.positional) {
+    for (const std::string& path : files) {
         if (!open(c, path)) {
             unreadable = true;
             continue;
@@ -189,19 +252,57 @@ int checkCommand(Context& c) {
         auto count = std::int32_t(c.session.counts.number(CountLabel::Total));
         const std::vector<Finding>& found =
             c.findings.emplace_back(checkDialogue(c.session.store, count, forFile));
-        for (std::string& part : joinedInParts(found.size(), json ? ",\n " : "\n", [&](std::size_t i) {
-                 return json ? findingJson(path, found[i]) : findingLine(path, found[i]);
+        const char* separator = format == FindingFormat::Json    ? ",\n "
+                                : format == FindingFormat::Sarif ? ",\n  "
+                                                                 : "\n";
+        for (std::string& part : joinedInParts(found.size(), separator, [&](std::size_t i) {
+                 return format == FindingFormat::Json    ? findingJson(path, found[i])
+                        : format == FindingFormat::Sarif ? sarifResult(path, found[i])
+                                                         : findingLine(path, found[i]);
              }))
             parts.push_back(std::move(part));
         for (const std::string& note : notes)
             c.err << "quillon: " << terminalLine(path + ": " + note) << "\n";
     }
-    if (json)
+    if (format == FindingFormat::Json)
         printJson(c.out, parts);
+    else if (format == FindingFormat::Sarif)
+        printSarif(c.out, parts);
     else
         for (const std::string& part : parts)
             c.out << part << '\n';
     return unreadable || !parts.empty() ? 1 : 0;
+}
+
+int masterSummaryCommand(Context& c) {
+    LoadOrder order;
+    for (const std::string& path : c.args.positional) {
+        if (!open(c, path)) return 1;
+        if (!c.session.readWhole) {
+            c.err << "quillon master-summary: \"" << forTerminal(path)
+                  << "\" was read only in part; a summary would leave the rest out, so none is written\n";
+            return 1;
+        }
+        auto master = std::make_unique<MasterFile>();
+        master->name = std::filesystem::path(path).filename().string();
+        master->path = path;
+        master->records = std::make_shared<RecordStore>(std::move(c.session.store));
+        c.session.store = RecordStore();
+        order.masters.push_back(std::move(master));
+    }
+    std::string target = c.args.value("-o");
+    std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.session, c.dialogs, target);
+    if (!readOnly) return 1;
+    std::string summary = masterSummary(order);
+    if (std::string error = replaceFileSafely(target, summary, *readOnly); !error.empty()) {
+        c.err << "quillon master-summary: \"" << forTerminal(target) << "\" could not be written: " << error
+              << "\n";
+        return 1;
+    }
+    c.session.log.LogLine("-Wrote the summary of " + std::to_string(order.masters.size()) +
+                          " master(s) to \"" + bareName(target) + "\" (" +
+                          groupedNumber(std::int64_t(summary.size())) + " bytes).");
+    return 0;
 }
 
 int diffDialogueCommand(Context& c) {

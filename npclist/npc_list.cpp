@@ -263,7 +263,7 @@ Outcome checkCellsAndNpcs(Session& session, Dialogs& dialogs) {
     auto inMasters = [&](auto array) {
         if (masters)
             for (const auto& m : masters->masters)
-                if (!(m->store.*array).empty()) return true;
+                if (!(m->store().*array).empty()) return true;
         return false;
     };
     if (session.counts.number(CountLabel::CELL) <= 0 && !inMasters(&RecordStore::CELL)) {

@@ -66,6 +66,7 @@ public:
     std::vector<ScriptProblem> run(std::string_view text) {
         forEachStatement(text, [this](const ScriptStatement& s) {
             line_ = s.line;
+            column_ = s.column;
             statement(s);
         });
         for (const Open& open : blocks_)
@@ -125,7 +126,9 @@ private:
     static constexpr std::size_t kMostProblems = 1000;
 
     void report(std::size_t line, std::string reason, const char* kind = "script") {
-        if (problems_.size() < kMostProblems) problems_.push_back({line, kind, std::move(reason)});
+        // Problems found after the script's end (blocks left open) point at the statement opening them.
+        if (problems_.size() < kMostProblems)
+            problems_.push_back({line, line == line_ ? column_ : 1, kind, std::move(reason)});
     }
 
     // An undeclared name is a fault only when both the locals and the load order are known whole.
@@ -286,7 +289,7 @@ private:
     const ScriptNames& names_;
     std::vector<Open> blocks_;
     bool begun_ = false, ended_ = false;
-    std::size_t beginLine_ = 0, line_ = 0;
+    std::size_t beginLine_ = 0, line_ = 0, column_ = 0;
     std::vector<ScriptProblem> problems_;
 };
 

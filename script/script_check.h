@@ -38,7 +38,7 @@ struct ScriptNames {
 };
 
 struct ScriptProblem {
-    std::size_t line = 0;
+    std::size_t line = 0, column = 0; // the statement's, from 1
     // script; reference for an ID the load order lacks; extender for a function of a script
     // extender, which is not checked (reason holds its name)
     const char* kind = "script";

@@ -129,6 +129,7 @@ void forEachStatement(std::string_view script, const std::function<void(ScriptSt
         ScriptStatement s;
         s.line = number;
         std::vector<ScriptToken> line = tokens(script.substr(start, end - start), s.unterminated);
+        std::size_t lineStart = start;
         start = end + 1;
         if (line.empty()) continue;
         std::size_t head = 0;
@@ -138,6 +139,14 @@ void forEachStatement(std::string_view script, const std::function<void(ScriptSt
             head = 2;
         }
         s.head = line[head];
+        // A text's view starts after its quote; a symbol read as another ([ as () views no byte of
+        // the script.
+        const char* first = line[0].text.data();
+        bool inScript =
+            std::less_equal<>()(script.data(), first) && std::less<>()(first, script.data() + script.size());
+        s.column = inScript ? std::size_t(first - script.data()) - lineStart + 1 -
+                                  (line[0].kind == ScriptToken::Text)
+                            : 1;
         s.arguments.assign(line.begin() + std::ptrdiff_t(head) + 1, line.end());
         visit(s);
     }

@@ -17,6 +17,7 @@ struct ScriptToken {
 
 struct ScriptStatement {
     std::size_t line = 0;                      // from 1
+    std::size_t column = 0;                    // of its first word, from 1
     std::string_view reference;                // the explicit reference before ->, if any
     ScriptToken head{ScriptToken::Symbol, {}}; // the keyword or function; a Symbol when the line has none
     std::vector<ScriptToken> arguments;

@@ -66,8 +66,8 @@ TEST(HostileMasters, BytesThatAreNotRecordsEndAMastersRead) {
         LoadOrder order = findMasters(own, plugin, search);
         readMasters(order);
         ASSERT_EQ(order.masters.size(), 1u);
-        EXPECT_EQ(order.masters[0]->store.GLOB.size(), 1u);
-        EXPECT_TRUE(order.masters[0]->store.Unknown.empty());
+        EXPECT_EQ(order.masters[0]->store().GLOB.size(), 1u);
+        EXPECT_TRUE(order.masters[0]->store().Unknown.empty());
         ASSERT_EQ(order.searchNotes.size(), 1u);
         EXPECT_EQ(order.searchNotes[0], "Zeros.esm holds bytes that are not records from byte " +
                                             std::to_string(stopsAt) + " on; it was read up to there");

@@ -58,7 +58,7 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
     learn(store);
     if (options.masters)
         for (const auto& m : options.masters->masters)
-            learn(m->store);
+            learn(m->store());
     // A master that was not found may hold the responses that answer a choice and the topics
     // added: nothing it could settle is judged without it.
     bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
@@ -132,7 +132,9 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
             f.detail =
                 "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
                 "Data Files); choice, topic, reference and undeclared-variable findings are left out, since "
-                "its records could settle them (give it with --data DIR or --openmw-cfg FILE)";
+                "its records could settle them (give it with --data DIR or --openmw-cfg FILE, or its summary "
+                "with "
+                "--master-summary FILE)";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
@@ -175,8 +177,11 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     if (options.spelling && wants(options, "spelling")) {
         acceptNames(*options.spelling, store);
         if (options.masters)
-            for (const auto& m : options.masters->masters)
-                acceptNames(*options.spelling, m->store);
+            for (const auto& m : options.masters->masters) {
+                acceptNames(*options.spelling, m->store());
+                for (const std::string& name : m->names)
+                    acceptName(*options.spelling, name);
+            }
         checkSpelling(store, *options.spelling, all);
     }
     // Kind by kind, in the order of the list of kinds; each kind in the order found.

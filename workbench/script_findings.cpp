@@ -29,6 +29,9 @@ struct LoadOrderIds {
 
     void add(const RecordStore& s) {
         s.forEachArray([&](const auto& array) {
+            // A response's NAME is its text, no ID.
+            if constexpr (std::is_same_v<typename std::decay_t<decltype(array)>::value_type, InfoRecord>)
+                return;
             for (const auto& r : array) {
                 if constexpr (requires { std::string_view(r.NAME); }) objects.insert(foldedKey(r.NAME));
                 if constexpr (requires { std::string_view(r.SCRI); })
@@ -117,7 +120,7 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
     LoadOrderIds ids;
     if (masters)
         for (const auto& m : masters->masters)
-            ids.add(m->store);
+            ids.add(m->store());
     ids.add(store);
     // Without masters nothing says what loads before the file (the game's master, always): only a
     // load order whose every master was found is known whole.
@@ -135,6 +138,7 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
             Finding f = about;
             f.kind = p.kind;
             f.line = p.line;
+            f.column = p.column;
             if (++shown > kMostPerScript) {
                 f.detail = "and more problems after line " + std::to_string(p.line) + "; fix these first";
                 out.push_back(std::move(f));

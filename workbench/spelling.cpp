@@ -1,5 +1,7 @@
 #include "workbench/spelling.h"
 
+#include "app/proper_names.h"
+
 #include "app/encoding.h"
 #include "app/parallel.h"
 #include "app/text.h"
@@ -78,30 +80,12 @@ std::vector<WordAt> wordsToCheck(std::string_view text) {
 }
 
 void acceptNames(SpellChecker& checker, const RecordStore& store) {
-    auto accept = [&](std::string_view name) {
-        for (const WordAt& w : wordsToCheck(name))
-            checker.accept(w.word);
-    };
-    store.forEachArray([&](const auto& array) {
-        for (const auto& r : array) {
-            if constexpr (requires { std::string_view(r.FNAM); }) accept(r.FNAM);
-        }
-    });
-    // Speakers' IDs are often their names (Bethesda's own are): with a master missing, they are all
-    // there is of its names.
-    for (const NpcRecord& n : store.NPC_)
-        accept(n.NAME);
-    for (const CreaRecord& c : store.CREA)
-        accept(c.NAME);
-    for (const InfoRecord& r : store.INFO)
-        accept(r.ONAM);
-    for (const CellRecord& c : store.CELL)
-        accept(c.NAME);
-    for (const DialRecord& d : store.DIAL)
-        accept(d.NAME);
-    for (const FactRecord& f : store.FACT)
-        for (const auto& rank : f.Ranks)
-            accept(fixedText(rank.RNAM));
+    forEachProperName(store, [&](std::string_view name) { acceptName(checker, name); });
+}
+
+void acceptName(SpellChecker& checker, std::string_view name) {
+    for (const WordAt& w : wordsToCheck(name))
+        checker.accept(w.word);
 }
 
 void acceptLoreNames(SpellChecker& checker) {

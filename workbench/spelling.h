@@ -26,6 +26,8 @@ void wordsToCheck(std::string_view text, std::vector<WordAt>& words);
 // factions and their ranks, topics, items, spells, classes, races, birthsigns, and the IDs of its
 // actors and speakers); acceptLoreNames those of the proper names the clean-up's word tables write.
 void acceptNames(SpellChecker& checker, const RecordStore& store);
+// The same for one name.
+void acceptName(SpellChecker& checker, std::string_view name);
 void acceptLoreNames(SpellChecker& checker);
 
 // True when the checker knows the word, or it is a possessive or plural of a name it accepts
