@@ -232,6 +232,17 @@ std::vector<std::string> contentFiles(const MasterSearch& search, std::vector<st
     return out;
 }
 
+void MasterCache::shareDerived(LoadOrder& order) {
+    std::erase_if(derived_, [](const auto& entry) { return entry.second.expired(); });
+    std::vector<const void*> key;
+    for (const auto& m : order.masters)
+        key.push_back(m->found() ? m->records.get() : nullptr);
+    if (auto shared = derived_[key].lock())
+        order.derived = std::move(shared);
+    else
+        derived_[key] = order.derived;
+}
+
 void readMasters(LoadOrder& order, MasterCache* cache) {
     auto start = std::chrono::steady_clock::now();
     for (auto& master : order.masters) {

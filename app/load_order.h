@@ -7,9 +7,11 @@
 #include "records/record_store.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <unordered_map>
 #include <vector>
 
@@ -40,11 +42,26 @@ struct MasterFile {
     bool changed() const { return found() && recordedSize != 0 && recordedSize != size; }
 };
 
+// Values worked out from the masters' records once (the indexes a check looks IDs up in), one of
+// each type: load orders of the same masters, read once, share them.
+class DerivedValues {
+public:
+    template <class T, class Make> const T& get(Make make) const {
+        std::shared_ptr<const void>& slot = values_[std::type_index(typeid(T))];
+        if (!slot) slot = std::make_shared<const T>(make());
+        return *std::static_pointer_cast<const T>(slot);
+    }
+
+private:
+    mutable std::unordered_map<std::type_index, std::shared_ptr<const void>> values_;
+};
+
 class LoadOrder {
 public:
     std::vector<std::unique_ptr<MasterFile>> masters; // in load order, each once
     std::vector<std::string> searchNotes;             // what the search could not use, and why
     double readMs = 0;                                // the time reading the masters took
+    std::shared_ptr<DerivedValues> derived = std::make_shared<DerivedValues>();
 
     bool allFound() const;
     // The position of the master of that name (any case) in the load order; -1 when none.
@@ -94,8 +111,11 @@ class MasterCache {
 public:
     std::shared_ptr<const RecordStore> find(const std::string& path) const;
     void keep(const std::string& path, const std::shared_ptr<const RecordStore>& records);
+    // Gives order the derived values of an order of the same masters' records, while one lives.
+    void shareDerived(LoadOrder& order);
 
 private:
+    std::map<std::vector<const void*>, std::weak_ptr<DerivedValues>> derived_;
     struct Entry {
         std::string stamp; // size and modification time when read
         std::weak_ptr<const RecordStore> records;

@@ -19,6 +19,7 @@ const LoadOrder& sessionMasters(Session& session) {
             session.log.LogLine("-Master \"" + given + "\" was taken from the summary \"" + bareName(path) +
                                 "\".");
         }
+    session.masterCache.shareDerived(*order);
     for (const std::string& note : order->searchNotes)
         session.log.LogLine("-Masters: " + note + ".");
     for (const auto& m : order->masters) {

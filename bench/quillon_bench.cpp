@@ -6,8 +6,11 @@
 //   quillon_bench run FILE.esm [LARGER.esm] [--runs N]
 //   quillon_bench processes FILE.esm [LARGER.esm] [--runs N]   (whole processes only)
 //   quillon_bench one COMMAND FILE.esm        (one command in a fresh process, for its memory)
+//   quillon_bench shared-master FILE.esm [--plugins N] [--runs N]
+//                                             (check of N small plugins naming FILE as their master)
 #include "app/file_commands.h"
 #include "bench/processes.h"
+#include "bench/shared_master.h"
 #include "bench/synthetic_master.h"
 #include "cleanup/morrowindize.h"
 #include "dialogue/dialogue_commands.h"
@@ -229,6 +232,15 @@ int main(int argc, char** argv) {
         }
         return run(argv[0], files, runs, args[0] == "run");
     }
+    if (args.size() >= 2 && args[0] == "shared-master") {
+        int plugins = 50, runs = 5;
+        for (std::size_t i = 2; i + 1 < args.size(); i += 2) {
+            if (args[i] == "--plugins") plugins = std::stoi(args[i + 1]);
+            if (args[i] == "--runs") runs = std::stoi(args[i + 1]);
+        }
+        std::string quillon = (std::filesystem::path(argv[0]).parent_path() / "quillon").string();
+        return bench::timeSharedMaster(quillon, args[1], plugins, runs);
+    }
     if (args.size() == 3 && args[0] == "one") {
         for (const Command& c : commands())
             if (args[1] == c.name) timeOnce(c, args[2]);
@@ -237,6 +249,6 @@ int main(int argc, char** argv) {
         return 0;
     }
     std::fprintf(stderr, "usage: quillon_bench generate OUT.esm [--scale S] [--profile game|dense] | run "
-                         "FILE [LARGER] [--runs N]\n");
+                         "FILE [LARGER] [--runs N] | shared-master FILE [--plugins N] [--runs N]\n");
     return 2;
 }

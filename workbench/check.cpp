@@ -41,24 +41,46 @@ public:
     DamageChoice damagedOutput(const DamageReport&) override { return DamageChoice::WriteNothing; }
 };
 
-void checkResultScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
-    if (!wants(options, "loop") && !wants(options, "choice") && !wants(options, "topic")) return;
-    const std::vector<InfoRecord>& infos = store.INFO;
-    // The topics and the choices each topic's responses are shown on (by topic as the writer
-    // matches them), of the file and of its masters: a master's response answers the choice too.
+// The topics and the choices each topic's responses are shown on (by topic as the writer matches
+// them): a master's response answers the choice too.
+struct TopicChoices {
     std::set<std::string> topics;
     std::map<std::string, std::set<std::int32_t>> shownOn;
-    auto learn = [&](const RecordStore& from) {
+
+    void learn(const RecordStore& from) {
         for (const DialRecord& d : from.DIAL)
             topics.insert(foldedKey(d.NAME));
         for (const InfoRecord& r : from.INFO)
             for (const InfoCondition& c : r.Conditions)
                 if (isChoiceCondition(c)) shownOn[r.Topic].insert(c.INTV);
-    };
-    learn(store);
-    if (options.masters)
-        for (const auto& m : options.masters->masters)
-            learn(m->store());
+    }
+    bool shows(const std::string& topic, std::int32_t choice) const {
+        auto found = shownOn.find(topic);
+        return found != shownOn.end() && found->second.count(choice);
+    }
+};
+
+// Those of the masters, learnt once for every file naming them.
+struct MasterTopicChoices {
+    TopicChoices learnt;
+};
+
+void checkResultScripts(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
+    if (!wants(options, "loop") && !wants(options, "choice") && !wants(options, "topic")) return;
+    const std::vector<InfoRecord>& infos = store.INFO;
+    TopicChoices own;
+    own.learn(store);
+    static const MasterTopicChoices none;
+    const TopicChoices& masters = !options.masters
+                                      ? none.learnt
+                                      : options.masters->derived
+                                            ->get<MasterTopicChoices>([&] {
+                                                MasterTopicChoices m;
+                                                for (const auto& master : options.masters->masters)
+                                                    m.learnt.learn(master->store());
+                                                return m;
+                                            })
+                                            .learnt;
     // A master that was not found may hold the responses that answer a choice and the topics
     // added: nothing it could settle is judged without it.
     bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
@@ -84,14 +106,15 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
                         infos, i, "loop", "choice " + std::to_string(c.INTV) + " offered again: " + line));
             if (choices && n < compiled)
                 for (std::int32_t choice : choicesOn(lines[n]))
-                    if (!shownOn[r.Topic].count(choice))
+                    if (!own.shows(r.Topic, choice) && !masters.shows(r.Topic, choice))
                         out.push_back(aboutResponse(
                             infos, i, "choice",
                             "choice " + std::to_string(choice) +
                                 " is offered but no response of the topic is shown on it: " + line));
             if (added && n < compiled)
                 for (const std::string& topic : topicsAddedOn(lines[n]))
-                    if (!topics.count(foldedKey(topic)))
+                    if (std::string key = foldedKey(topic);
+                        !own.topics.count(key) && !masters.topics.count(key))
                         out.push_back(aboutResponse(infos, i, "topic",
                                                     "AddTopic \"" + readableExcerpt(topic, kLineExcerpt) +
                                                         "\" names no topic: " + line));

@@ -27,7 +27,8 @@ struct LoadOrderIds {
     std::unordered_map<std::string, std::string> scriptOf;
     std::unordered_map<std::string, std::set<std::string>> variables;
 
-    void add(const RecordStore& s) {
+    // The records of s; masters, when given, are the IDs below it (their journals get indexes here too).
+    void add(const RecordStore& s, const LoadOrderIds* masters = nullptr) {
         s.forEachArray([&](const auto& array) {
             // A response's NAME is its text, no ID.
             if constexpr (std::is_same_v<typename std::decay_t<decltype(array)>::value_type, InfoRecord>)
@@ -57,7 +58,9 @@ struct LoadOrderIds {
         for (const DialRecord& d : s.DIAL)
             if (d.DATA == 4) journals.insert(foldedKey(d.NAME));
         for (const InfoRecord& r : s.INFO)
-            if (journals.count(foldedKey(r.Topic))) journalIndexes[foldedKey(r.Topic)].insert(r.Disposition);
+            if (std::string key = foldedKey(r.Topic);
+                journals.count(key) || (masters && masters->journals.count(key)))
+                journalIndexes[key].insert(r.Disposition);
     }
 
     const std::unordered_set<std::string>& of(IdKind kind) const {
@@ -72,37 +75,63 @@ struct LoadOrderIds {
         }
     }
 
-    ScriptNames names(bool complete) const {
-        ScriptNames n;
-        n.complete = complete;
-        n.global = [this](std::string_view id) { return globals.count(foldedKey(id)) != 0; };
-        n.has = [this](IdKind kind, std::string_view id) {
-            std::string key = foldedKey(id);
-            if (kind != IdKind::Cell) return of(kind).count(key) != 0;
-            // GetPCCell and PositionCell name a cell by the start of its name, as the game matches.
-            for (const std::string& c : cells)
-                if (c.rfind(key, 0) == 0) return true;
-            return false;
-        };
-        n.journalIndex = [this](std::string_view id, long index) {
-            auto found = journalIndexes.find(foldedKey(id));
-            return found != journalIndexes.end() && found->second.count(index);
-        };
-        n.localsOf = [this](std::string_view id) -> std::optional<std::set<std::string>> {
-            std::string key = foldedKey(id);
-            auto object = scriptOf.find(key);
-            if (object == scriptOf.end() && !objects.count(key)) {
-                auto script = variables.find(key); // a global script's variables, by its ID
-                if (script == variables.end()) return std::nullopt;
-                return script->second;
-            }
-            if (object == scriptOf.end() || object->second.empty()) return std::set<std::string>{};
-            auto script = variables.find(object->second);
-            return script == variables.end() ? std::set<std::string>{} : script->second;
-        };
-        return n;
+    bool hasCell(const std::string& key) const {
+        // GetPCCell and PositionCell name a cell by the start of its name, as the game matches.
+        for (const std::string& c : cells)
+            if (c.rfind(key, 0) == 0) return true;
+        return false;
+    }
+
+    template <class Map> static const typename Map::mapped_type* in(const Map& map, const std::string& key) {
+        auto found = map.find(key);
+        return found == map.end() ? nullptr : &found->second;
     }
 };
+
+// The IDs of the masters, worked out once for every file naming them.
+struct MasterIds {
+    LoadOrderIds ids;
+};
+
+// The names of the load order: the file's own IDs before its masters'.
+ScriptNames namesOf(const LoadOrderIds& own, const LoadOrderIds& masters, bool complete) {
+    ScriptNames n;
+    n.complete = complete;
+    n.global = [&](std::string_view id) {
+        std::string key = foldedKey(id);
+        return own.globals.count(key) || masters.globals.count(key);
+    };
+    n.has = [&](IdKind kind, std::string_view id) {
+        std::string key = foldedKey(id);
+        if (kind == IdKind::Cell) return own.hasCell(key) || masters.hasCell(key);
+        return own.of(kind).count(key) || masters.of(kind).count(key);
+    };
+    n.journalIndex = [&](std::string_view id, long index) {
+        std::string key = foldedKey(id);
+        for (const LoadOrderIds* ids : {&own, &masters})
+            if (const auto* indexes = LoadOrderIds::in(ids->journalIndexes, key);
+                indexes && indexes->count(index))
+                return true;
+        return false;
+    };
+    n.localsOf = [&](std::string_view id) -> std::optional<std::set<std::string>> {
+        std::string key = foldedKey(id);
+        const std::string* script = LoadOrderIds::in(own.scriptOf, key);
+        if (!script) script = LoadOrderIds::in(masters.scriptOf, key);
+        auto variablesOf = [&](const std::string& name) {
+            const std::set<std::string>* found = LoadOrderIds::in(own.variables, name);
+            return found ? found : LoadOrderIds::in(masters.variables, name);
+        };
+        if (!script && !own.objects.count(key) && !masters.objects.count(key)) {
+            const std::set<std::string>* global = variablesOf(key); // a global script's, by its ID
+            if (!global) return std::nullopt;
+            return *global;
+        }
+        const std::set<std::string>* variables = script && !script->empty() ? variablesOf(*script) : nullptr;
+        return variables ? *variables : std::set<std::string>{};
+    };
+    return n;
+}
 
 // The variables a response's result script may use besides the globals: those of its speaker's
 // script; not known for a response any actor may give.
@@ -117,15 +146,22 @@ void checkScripts(const RecordStore& store, const LoadOrder* masters, const std:
                   std::vector<Finding>& out, std::vector<std::string>& notes) {
     auto wanted = [&](const char* kind) { return kinds.empty() || kinds.count(kind); };
     if (!wanted("script") && !wanted("reference")) return;
-    LoadOrderIds ids;
-    if (masters)
-        for (const auto& m : masters->masters)
-            ids.add(m->store());
-    ids.add(store);
+    static const MasterIds none;
+    const LoadOrderIds& below = !masters ? none.ids
+                                         : masters->derived
+                                               ->get<MasterIds>([&] {
+                                                   MasterIds m;
+                                                   for (const auto& master : masters->masters)
+                                                       m.ids.add(master->store());
+                                                   return m;
+                                               })
+                                               .ids;
+    LoadOrderIds own;
+    own.add(store, &below);
     // Without masters nothing says what loads before the file (the game's master, always): only a
     // load order whose every master was found is known whole.
     bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
-    ScriptNames names = ids.names(hasMasters && masters && masters->allFound());
+    ScriptNames names = namesOf(own, below, hasMasters && masters && masters->allFound());
     std::set<std::string> extenders;
     // One script's problems, the first kMostPerScript of them and then how many more: a script of
     // a million broken lines says so in a few lines, not a million.

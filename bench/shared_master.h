@@ -1,0 +1,11 @@
+#pragma once
+#include <string>
+
+namespace quillon::bench {
+
+// Times `quillon check` of many small plugins naming one master against the master's Open plus
+// the plugins' own check (masters not found): a master shared by the files of one check is read
+// once. Prints the figures and the ratio; returns 0.
+int timeSharedMaster(const std::string& quillon, const std::string& master, int plugins, int runs);
+
+} // namespace quillon::bench
