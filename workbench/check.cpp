@@ -205,7 +205,9 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
                 for (const std::string& name : m->names)
                     acceptName(*options.spelling, name);
             }
-        checkSpelling(store, *options.spelling, all);
+        bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
+        checkSpelling(store, *options.spelling, all,
+                      !hasMasters || (options.masters && options.masters->allFound()));
     }
     // Kind by kind, in the order of the list of kinds; each kind in the order found.
     constexpr std::size_t kinds = std::size(kFindingKinds);

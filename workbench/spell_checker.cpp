@@ -126,6 +126,20 @@ std::vector<std::string> dictionaryWords(const fs::path& dic, const NeverSuggest
     return words;
 }
 
+// The other English of an English dictionary, beside it with the same character set; empty for
+// any other.
+fs::path otherEnglish(const fs::path& dic, const std::string& encoding) {
+    std::string stem = dic.stem().string(), other = stem == "en_US"   ? "en_GB"
+                                                    : stem == "en_GB" ? "en_US"
+                                                                      : "";
+    if (other.empty()) return {};
+    fs::path found = dic.parent_path() / (other + ".dic");
+    std::error_code ec;
+    bool usable =
+        fs::is_regular_file(found, ec) && fs::is_regular_file(fs::path(found).replace_extension(".aff"), ec);
+    return usable && affEncoding(fs::path(found).replace_extension(".aff")) == encoding ? found : fs::path();
+}
+
 } // namespace
 
 std::unique_ptr<SpellChecker> SpellChecker::open(const std::string& dictionary, std::string& error) {
@@ -158,10 +172,13 @@ SpellChecker::SpellChecker(const fs::path& dic, const std::string& encoding) {
         fromDictionary_ = std::make_unique<TextRecoder>(encoding, "UTF-8");
     }
     // On this thread at the first use instead when no other can be had.
-    loading_ = std::async(std::launch::async | std::launch::deferred, [this, dic] {
+    loading_ = std::async(std::launch::async | std::launch::deferred, [this, dic, encoding] {
         Loaded l;
         fs::path aff = fs::path(dic).replace_extension(".aff");
         l.hunspell = std::make_unique<Hunspell>(aff.c_str(), dic.c_str());
+        if (fs::path other = otherEnglish(dic, encoding); !other.empty())
+            l.variants =
+                std::make_unique<Hunspell>(fs::path(other).replace_extension(".aff").c_str(), other.c_str());
         std::vector<std::string> words;
         for (const std::string& w : dictionaryWords(dic, neverSuggested(aff)))
             if (std::string bytes = fromDictionary(w); !bytes.empty()) words.push_back(std::move(bytes));
@@ -209,11 +226,16 @@ bool SpellChecker::isAccepted(std::string_view word) const {
 }
 
 bool SpellChecker::known(std::string_view word) {
-    if (accepted_.count(foldedKey(word))) return true;
+    return accepted_.count(foldedKey(word)) || inDictionary(word);
+}
+
+bool SpellChecker::inDictionary(std::string_view word) {
     auto [at, isNew] = looked_.emplace(std::string(word), false);
     if (isNew) {
         std::string inDictionary = toDictionary(word);
-        at->second = !inDictionary.empty() && loaded().hunspell->spell(inDictionary);
+        Loaded& l = loaded();
+        at->second = !inDictionary.empty() &&
+                     (l.hunspell->spell(inDictionary) || (l.variants && l.variants->spell(inDictionary)));
     }
     return at->second;
 }

@@ -34,6 +34,8 @@ public:
     bool known(std::string_view word);
     // True when the word was accepted (a name of the load order, a word of the user's list).
     bool isAccepted(std::string_view word) const;
+    // True when the dictionary itself (or its other English, see Loaded) knows the word.
+    bool inDictionary(std::string_view word);
     // Up to five corrections, in the code page's bytes and the word's letter case, fewest edits
     // first: words of the dictionary and their forms, the accepted names, and two words run
     // together.
@@ -47,6 +49,9 @@ private:
     // milliseconds each: too slow for the hundreds of unknown words of a large master).
     struct Loaded {
         std::unique_ptr<Hunspell> hunspell;
+        // The other English (en_GB beside en_US, and the reverse): a word it knows is a variant,
+        // no misspelling; suggestions come from the chosen one alone.
+        std::unique_ptr<Hunspell> variants;
         std::unique_ptr<NearWords> words;
         Loaded();
         Loaded(Loaded&&) noexcept;

@@ -170,7 +170,8 @@ std::vector<Misspelt> misspeltWords(const std::vector<InfoRecord>& infos, SpellC
 
 } // namespace
 
-void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out) {
+void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out,
+                   bool namesKnown) {
     std::vector<std::pair<const DialRecord*, WordAt>> inTopics;
     for (const DialRecord& d : store.DIAL) {
         if (d.DATA != 0) continue; // only a topic's name is shown to the player
@@ -191,6 +192,18 @@ void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<
     checker.suggestAll(distinct);
     for (std::string_view word : distinct)
         verdicts[word] = verdictOn(checker, word);
+    // With a master missing, a capitalised word may well be one of its names (a person, a place, a
+    // god): it is judged only as a near miss of a name known that no dictionary has (Almvisi).
+    auto judged = [&](std::string_view word) {
+        auto first = static_cast<unsigned char>(word.front());
+        if (namesKnown || foldCase(first) == first) return true;
+        const std::vector<std::string>& offered = verdicts[word].suggestions;
+        return std::any_of(offered.begin(), offered.end(), [&](const std::string& s) {
+            return checker.isAccepted(s) && !checker.inDictionary(s);
+        });
+    };
+    std::erase_if(inTopics, [&](const auto& found) { return !judged(found.second.word); });
+    std::erase_if(inResponses, [&](const Misspelt& m) { return !judged(m.word.word); });
 
     for (const auto& [dial, w] : inTopics) {
         Finding f;

@@ -35,6 +35,8 @@ void acceptLoreNames(SpellChecker& checker);
 bool spelledRight(SpellChecker& checker, std::string_view word);
 
 // The spelling findings of the store's responses and topic names.
-void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out);
+// namesKnown says every master was found: without, capitalised words are not judged (see there).
+void checkSpelling(const RecordStore& store, SpellChecker& checker, std::vector<Finding>& out,
+                   bool namesKnown = true);
 
 } // namespace quillon
