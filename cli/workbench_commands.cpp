@@ -9,6 +9,7 @@
 #include "records/source_bytes.h"
 #include "workbench/check.h"
 #include "workbench/diff.h"
+#include "workbench/personal_words.h"
 #include "workbench/spelling.h"
 #include "writer/byte_sink.h"
 #include "writer/es_write.h"
@@ -153,15 +154,11 @@ std::unique_ptr<SpellChecker> openDictionary(Context& c) {
                   << "\n";
             return nullptr;
         }
-        std::istringstream lines(words);
-        for (std::string word; std::getline(lines, word);) {
-            if (!word.empty() && word.back() == '\r') word.pop_back();
-            std::string bytes;
-            char32_t missing = 0;
-            // A word the code page cannot hold cannot stand in the file's texts either.
-            if (!word.empty() && fromUtf8(word, bytes, missing)) checker->accept(bytes);
-        }
+        acceptWordList(*checker, words);
     }
+    if (std::string error = acceptPersonalWords(*checker); !error.empty())
+        c.err << "quillon: your word list " << forTerminal(personalWordsPath())
+              << " cannot be read: " << error << "\n";
     acceptLoreNames(*checker);
     return checker;
 }

@@ -319,6 +319,8 @@ int main(int argc, char** argv) {
     // The window's lasting settings go to a folder of the run's own, never the user's.
     QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    // And the writer's own word list too.
+    qputenv("XDG_DATA_HOME", settings.path().toUtf8());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
@@ -432,6 +434,7 @@ TEST(FrmInfo, UnderlinesUnknownWordsAndIgnoresThemOnRequest) {
     QPoint at(word.left() + text->fontMetrics().horizontalAdvance("See you tom"), word.center().y());
     emit text->customContextMenuRequested(at);
     EXPECT_TRUE(offered.contains("tomorrow")) << offered.join(",").toStdString();
+    EXPECT_TRUE(offered.contains("Add to My &Words")) << offered.join(",").toStdString();
     EXPECT_TRUE(underlined().empty());
 }
 
@@ -457,4 +460,53 @@ TEST(MainWindow, TranslationTemplateAndApplyingAPo) {
     ASSERT_FALSE(w.dialogs.messages.empty());
     EXPECT_EQ(w.dialogs.messages.back().rfind("Applied 1 translation(s)", 0), 0u)
         << w.dialogs.messages.back();
+}
+
+// A spelling finding's word added to the writer's own words takes every finding of it away, and
+// the list keeps it for later checks.
+TEST(FrmCheck, AddToMyWordsTakesEveryFindingOfTheWordAway) {
+    std::vector<Finding> findings(3);
+    for (Finding& f : findings)
+        f.kind = "spelling";
+    findings[0].word = "kwamakin";
+    findings[1].word = "tommorow";
+    findings[2].word = "Kwamakin";
+    std::vector<std::string> added;
+    FrmCheck form(
+        findings, [](std::size_t) { return std::string(); },
+        [&](const std::string& word) {
+            added.push_back(word);
+            return std::string();
+        });
+    auto* grid = form.findChild<QTableWidget*>("grdFindings");
+    auto* add = form.findChild<QPushButton*>("cmdAddWord");
+    EXPECT_FALSE(add->isEnabled());
+    grid->selectRow(0);
+    ASSERT_TRUE(add->isEnabled());
+    add->click();
+    EXPECT_EQ(added, std::vector<std::string>{"kwamakin"});
+    EXPECT_TRUE(grid->isRowHidden(0));
+    EXPECT_FALSE(grid->isRowHidden(1));
+    EXPECT_TRUE(grid->isRowHidden(2));
+    EXPECT_EQ(form.findChild<QLabel*>("lblCount")->text(), "1 of 3 findings");
+}
+
+// The spelling dictionary is chosen in the Edit menu among those installed (by default the code
+// page's) and remembered for the next start.
+TEST(MainWindow, TheDictionaryChosenIsRemembered) {
+    std::string chosen;
+    {
+        Window w;
+        QMenu* menu = w.find<QMenu>("mnuDictionary");
+        ASSERT_NE(menu, nullptr);
+        ASSERT_GE(menu->actions().size(), 1);
+        EXPECT_TRUE(menu->actions().front()->isChecked()); // by the code page
+        if (menu->actions().size() < 2) GTEST_SKIP() << "no dictionary is installed";
+        QAction* other = menu->actions().back();
+        chosen = other->objectName().toStdString();
+        other->trigger();
+    }
+    Window again;
+    EXPECT_TRUE(again.action(chosen.c_str())->isChecked());
+    again.action("mnuDictionary_")->trigger(); // back to the code page's
 }

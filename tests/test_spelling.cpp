@@ -2,6 +2,7 @@
 // named, with their corrections; in the file's code page, Cyrillic included.
 #include "cli_run.h"
 #include "helpers.h"
+#include "workbench/personal_words.h"
 #include "workbench/spelling.h"
 
 using namespace quillon;
@@ -170,4 +171,27 @@ TEST(Spelling, OnRealPluginsWithoutTheirMastersMostFindingsAreMisspellings) {
         EXPECT_TRUE(!misspelt || reported.count(word)) << word << " is no longer found";
     EXPECT_GE(misspellings * 2, findings)
         << misspellings << " misspellings among " << findings << " findings";
+}
+
+// "Add to My Words" keeps a word in the writer's own list (UTF-8, one a line), which every check
+// of the command line reads too.
+TEST(Spelling, TheWritersOwnWordsAreKeptAndReadByTheCommandLine) {
+    if (!haveDictionary("en_US")) GTEST_SKIP() << "the en_US dictionary (hunspell-en-us) is not installed";
+    TempDir dir;
+    const char* before = std::getenv("XDG_DATA_HOME");
+    std::string kept = before ? before : "";
+    ::setenv("XDG_DATA_HOME", dir.file("share").c_str(), 1);
+    std::string plugin =
+        dir.write("p.esp", oneTopic({response("1", "", "The kwamakin said caf\xe9 tommorow.")}));
+    EXPECT_EQ(addPersonalWord("kwamakin"), "");
+    EXPECT_EQ(addPersonalWord("caf\xe9"), "");
+    EXPECT_EQ(readAll(dir.file("share/quillon/words.txt")), "kwamakin\ncaf\xc3\xa9\n");
+    CliRun r = cli({"check", plugin, "--only", "spelling"});
+    EXPECT_EQ(r.out.find("kwamakin"), std::string::npos) << r.out;
+    EXPECT_EQ(r.out.find("caf"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("tommorow"), std::string::npos) << r.out;
+    if (before)
+        ::setenv("XDG_DATA_HOME", kept.c_str(), 1);
+    else
+        ::unsetenv("XDG_DATA_HOME");
 }

@@ -10,6 +10,7 @@
 #include "translation/translation_commands.h"
 #include "ui/qt_dialogs.h"
 #include "workbench/check.h"
+#include "workbench/personal_words.h"
 #include "workbench/spelling.h"
 
 #include <QActionGroup>
@@ -188,6 +189,7 @@ QSettings windowSettings() {
     return QSettings(QStringLiteral("Quillon"), QStringLiteral("Quillon"));
 }
 const QString kAskBeforeDiscarding = QStringLiteral("askBeforeDiscarding");
+const QString kSpellingDictionary = QStringLiteral("spellingDictionary");
 
 } // namespace
 
@@ -203,6 +205,7 @@ FrmMain::FrmMain(Session& session, Dialogs* dialogs) : session_(session), dialog
     }
     setObjectName("frmMain");
     session_.askBeforeDiscarding = windowSettings().value(kAskBeforeDiscarding, true).toBool();
+    dictionary_ = windowSettings().value(kSpellingDictionary).toString().toStdString();
     setAcceptDrops(true);
     createMenus();
     createFrames();
@@ -218,11 +221,16 @@ SpellChecker* FrmMain::spelling() {
     if (!spellingTried_) {
         spellingTried_ = true;
         std::string error;
-        spelling_ = SpellChecker::open("en_US", error);
-        if (spelling_)
+        std::string name = dictionary_.empty() ? SpellChecker::forCodePage(activeCodePage()) : dictionary_;
+        spelling_ = SpellChecker::open(name, error);
+        if (spelling_) {
             acceptLoreNames(*spelling_);
-        else
+            if (std::string unread = acceptPersonalWords(*spelling_); !unread.empty())
+                session_.log.LogLine("-Your word list \"" + personalWordsPath() +
+                                     "\" cannot be read: " + unread + ".");
+        } else {
             session_.log.LogLine("-Spelling is not checked: " + error + ".");
+        }
     }
     std::string of = session_.recordsPath + "\n" + session_.fileStamp;
     if (spelling_ && spellingNamesOf_ != of) {
@@ -230,6 +238,31 @@ SpellChecker* FrmMain::spelling() {
         spellingNamesOf_ = of;
     }
     return spelling_.get();
+}
+
+void FrmMain::chooseDictionary(const std::string& name) {
+    dictionary_ = name;
+    windowSettings().setValue(kSpellingDictionary, QString::fromStdString(name));
+    spelling_.reset();
+    spellingTried_ = false;
+    spellingNamesOf_.clear();
+}
+
+void FrmMain::createDictionaryMenu(QMenu* edit) {
+    QMenu* menu = edit->addMenu(QStringLiteral("Spelling Dic&tionary"));
+    menu->setObjectName("mnuDictionary");
+    auto* group = new QActionGroup(this);
+    std::vector<std::string> names = SpellChecker::installed();
+    names.insert(names.begin(), std::string());
+    for (const std::string& name : names) {
+        QAction* a = menu->addAction(name.empty() ? QStringLiteral("By the &Code Page")
+                                                  : QString::fromStdString(name));
+        a->setObjectName(QStringLiteral("mnuDictionary_") + QString::fromStdString(name));
+        a->setCheckable(true);
+        a->setChecked(name == dictionary_);
+        group->addAction(a);
+        connect(a, &QAction::triggered, this, [this, name] { chooseDictionary(name); });
+    }
 }
 
 FrmMain::~FrmMain() {
@@ -275,6 +308,7 @@ void FrmMain::createMenus() {
         session_.askBeforeDiscarding = on;
         windowSettings().setValue(kAskBeforeDiscarding, on);
     });
+    createDictionaryMenu(menus[1]);
     // The code page of the file's texts, held for the session; the Edit menu ends with it.
     QMenu* pages = menus[1]->addMenu(QStringLiteral("Code &Page"));
     pages->setObjectName("mnuCodePage");
@@ -409,6 +443,7 @@ void FrmMain::lookUpGameFolder() {
 
 void FrmMain::chooseCodePage(CodePage page) {
     setActiveCodePage(page);
+    if (dictionary_.empty()) chooseDictionary({}); // the code page's dictionary changes with it
     if (auto* a = findChild<QAction*>(QStringLiteral("mnu") + QString::fromLatin1(codePageName(page))))
         a->setChecked(true);
     refresh();

@@ -75,9 +75,13 @@ public:
     void onAbout();
 
 private:
-    // The session's spell checker (en_US), opened on first use, knowing the open file's names and
-    // the words the writer ignored; null when the dictionary is not installed.
+    // The session's spell checker (the dictionary chosen, or the code page's), opened on first
+    // use, knowing the open file's names, the writer's own words and those ignored; null when the
+    // dictionary is not installed.
     SpellChecker* spelling();
+    // Checks spelling with that dictionary from now on (empty: the code page's), remembered.
+    void chooseDictionary(const std::string& name);
+    void createDictionaryMenu(QMenu* edit);
 
     Session& session_;
     std::unique_ptr<Dialogs> ownDialogs_;
@@ -91,6 +95,7 @@ private:
     std::unique_ptr<SpellChecker> spelling_;
     bool spellingTried_ = false;
     std::string spellingNamesOf_; // the file whose names the checker has taken
+    std::string dictionary_;      // chosen in the menu; empty for the code page's
     QLabel* lblLog;
     QLabel* lblSaves;
     std::array<QLabel*, 57> lblRecName{}, lblCount{};

@@ -7,6 +7,7 @@
 #include "qt_text/code_page.h"
 #include "ui/frm_about.h"
 #include "workbench/frm_check.h"
+#include "workbench/personal_words.h"
 
 #include <QFileDialog>
 #include <QInputDialog>
@@ -167,7 +168,13 @@ DamageChoice QtDialogs::damagedOutput(const DamageReport& report) {
 
 void QtDialogs::showFindings(const std::vector<Finding>& findings,
                              const std::function<std::string(std::size_t)>& edit) {
-    FrmCheck form(findings, edit, owner_);
+    auto addWord = [this](const std::string& word) {
+        std::string error = addPersonalWord(word);
+        if (SpellChecker* checker = spelling_ ? spelling_() : nullptr; error.empty() && checker)
+            checker->accept(word);
+        return error;
+    };
+    FrmCheck form(findings, edit, addWord, owner_);
     form.exec();
 }
 

@@ -1,5 +1,6 @@
 #include "workbench/frm_check.h"
 
+#include "app/text.h"
 #include "qt_text/code_page.h"
 #include "qt_text/form_text.h"
 #include "workbench/check.h"
@@ -8,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableWidget>
@@ -16,8 +18,9 @@
 namespace quillon {
 
 FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::string(std::size_t)> edit,
-                   QWidget* parent)
-    : QDialog(parent), findings_(findings), edit_(std::move(edit)) {
+                   std::function<std::string(const std::string&)> addWord, QWidget* parent)
+    : QDialog(parent), findings_(findings), edit_(std::move(edit)), addWord_(std::move(addWord)),
+      added_(findings.size(), false) {
     setWindowTitle(QStringLiteral("Check Dialogue"));
     setObjectName("frmCheck");
     cboKind = new QComboBox;
@@ -53,6 +56,12 @@ FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::stri
     lblCount->setObjectName("lblCount");
     auto* close = new QPushButton(QStringLiteral("&Close"));
     close->setObjectName("cmdClose");
+    cmdAddWord = new QPushButton(QStringLiteral("Add to My &Words"));
+    cmdAddWord->setObjectName("cmdAddWord");
+    cmdAddWord->setToolTip(QStringLiteral("Take the selected finding's word as spelled right from now on, in "
+                                          "every check (your word list)"));
+    cmdAddWord->setEnabled(false);
+    cmdAddWord->setVisible(bool(addWord_));
 
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("Show:")));
@@ -65,6 +74,7 @@ FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::stri
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Double-click a response to edit it.")));
     bottom->addStretch();
+    bottom->addWidget(cmdAddWord);
     bottom->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
@@ -77,6 +87,7 @@ FrmCheck::FrmCheck(const std::vector<Finding>& findings, std::function<std::stri
     connect(grdFindings, &QTableWidget::itemSelectionChanged, this, &FrmCheck::showSelected);
     connect(grdFindings, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { editRow(row); });
     connect(close, &QPushButton::clicked, this, &FrmCheck::accept);
+    connect(cmdAddWord, &QPushButton::clicked, this, &FrmCheck::addWord);
     filter();
 }
 
@@ -84,7 +95,8 @@ void FrmCheck::filter() {
     int shown = 0;
     QString kind = cboKind->currentIndex() == 0 ? QString() : cboKind->currentText();
     for (int row = 0; row < grdFindings->rowCount(); ++row) {
-        bool show = kind.isEmpty() || grdFindings->item(row, 0)->text() == kind;
+        bool show =
+            !added_[std::size_t(row)] && (kind.isEmpty() || grdFindings->item(row, 0)->text() == kind);
         grdFindings->setRowHidden(row, !show);
         shown += show;
     }
@@ -94,10 +106,25 @@ void FrmCheck::filter() {
 void FrmCheck::showSelected() {
     QList<QTableWidgetItem*> selected = grdFindings->selectedItems();
     const Finding* f = selected.isEmpty() ? nullptr : &findings_[std::size_t(selected.front()->row())];
+    cmdAddWord->setEnabled(f && f->kind == "spelling" && !f->word.empty());
     txtBefore->setPlainText(f && f->kind == "style" ? QStringLiteral("Before:\n") + toEditor(f->before)
                                                     : QString());
     txtAfter->setPlainText(
         f && f->kind == "style" ? QStringLiteral("After the clean-up:\n") + toEditor(f->after) : QString());
+}
+
+void FrmCheck::addWord() {
+    QList<QTableWidgetItem*> selected = grdFindings->selectedItems();
+    if (selected.isEmpty() || !addWord_) return;
+    std::string word = findings_[std::size_t(selected.front()->row())].word;
+    if (std::string error = addWord_(word); !error.empty()) {
+        QMessageBox::warning(this, QStringLiteral("Quillon"), fromCodePage(error + "."));
+        return;
+    }
+    for (std::size_t i = 0; i < findings_.size(); ++i)
+        if (findings_[i].kind == "spelling" && equalsIgnoreCase(findings_[i].word, word)) added_[i] = true;
+    grdFindings->clearSelection();
+    filter();
 }
 
 void FrmCheck::editRow(int row) {

@@ -1,9 +1,11 @@
 #include "workbench/frm_spelling.h"
 
 #include "qt_text/code_page.h"
+#include "workbench/personal_words.h"
 #include "workbench/spelling.h"
 
 #include <QMenu>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTextCursor>
 
@@ -62,6 +64,17 @@ void SpellingHighlighter::showMenu(const QPoint& at) {
             rehighlight();
         });
         menu->insertAction(first, ignore);
+        QAction* keep = new QAction(QStringLiteral("Add to My &Words"), menu.get());
+        keep->setObjectName("mnuAddWord");
+        connect(keep, &QAction::triggered, this, [this, bytes] {
+            if (std::string error = addPersonalWord(bytes); !error.empty()) {
+                QMessageBox::warning(edit_, QStringLiteral("Quillon"), fromCodePage(error + "."));
+                return;
+            }
+            checker_.accept(bytes);
+            rehighlight();
+        });
+        menu->insertAction(first, keep);
         menu->insertSeparator(first);
         break;
     }

@@ -1,6 +1,7 @@
 #pragma once
 // Spelling as the writer types: unknown words underlined in an editor, the dictionary's
-// suggestions and "Ignore" on right-click. Ignored words last as long as the checker does.
+// suggestions, "Ignore" and "Add to My Words" on right-click. Ignored words last as long as the
+// checker does; added ones go to the writer's own word list for good.
 #include <QSyntaxHighlighter>
 
 class QPlainTextEdit;

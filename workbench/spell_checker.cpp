@@ -6,10 +6,12 @@
 
 #include <hunspell.hxx>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace quillon {
@@ -141,6 +143,30 @@ fs::path otherEnglish(const fs::path& dic, const std::string& encoding) {
 }
 
 } // namespace
+
+std::vector<std::string> SpellChecker::installed() {
+    std::set<std::string> names;
+    for (const std::string& folder : dictionaryFolders()) {
+        std::error_code ec;
+        for (const fs::directory_entry& e : fs::directory_iterator(folder, ec))
+            if (e.path().extension() == ".dic" && !dictionaryFile(e.path().string()).empty())
+                names.insert(e.path().stem().string());
+    }
+    return {names.begin(), names.end()};
+}
+
+std::string SpellChecker::forCodePage(CodePage page) {
+    std::vector<std::string> have = installed();
+    auto has = [&](const char* name) { return std::find(have.begin(), have.end(), name) != have.end(); };
+    const std::vector<const char*> wanted =
+        page == CodePage::Windows1251 ? std::vector<const char*>{"ru_RU", "uk_UA", "bg_BG"}
+        : page == CodePage::Windows1250
+            ? std::vector<const char*>{"pl_PL", "cs_CZ", "hu_HU", "sk_SK", "sl_SI", "hr_HR", "ro_RO"}
+            : std::vector<const char*>{"en_US", "en_GB"};
+    for (const char* name : wanted)
+        if (has(name)) return name;
+    return "en_US";
+}
 
 std::unique_ptr<SpellChecker> SpellChecker::open(const std::string& dictionary, std::string& error) {
     fs::path dic = dictionaryFile(dictionary);

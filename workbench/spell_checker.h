@@ -5,7 +5,9 @@
 #include "workbench/near_words.h"
 #include "workbench/text_recoder.h"
 
+#include "app/encoding.h"
 #include <exception>
+
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -26,6 +28,11 @@ public:
     // with error set when it cannot be found. It loads on another thread meanwhile (while the file
     // to check is read): the first word looked up waits for it.
     static std::unique_ptr<SpellChecker> open(const std::string& dictionary, std::string& error);
+    // The names of the dictionaries installed where open looks, sorted, each once.
+    static std::vector<std::string> installed();
+    // The installed dictionary for texts of the code page: en_US for Western, ru_RU for
+    // Cyrillic, a Central European language's for 1250; en_US when that one is missing.
+    static std::string forCodePage(CodePage page);
     ~SpellChecker();
 
     // A word (the code page's bytes) taken as correct from now on, in any letter case.
