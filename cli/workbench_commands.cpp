@@ -287,6 +287,15 @@ int masterSummaryCommand(Context& c) {
         c.session.store = RecordStore();
         order.masters.push_back(std::move(master));
     }
+    // A master's own masters left out leave their IDs out: a check with the summary would judge
+    // them as missing.
+    for (const auto& m : order.masters)
+        for (const MasterEntry& named :
+             m->store().TES3.empty() ? std::vector<MasterEntry>{} : m->store().TES3.front().Masters)
+            if (order.position(named.MAST) < 0)
+                c.err << "quillon: " << forTerminal(m->name) << " names the master "
+                      << forTerminal(named.MAST)
+                      << ", which is not summarised with it; give it too, before it\n";
     std::string target = c.args.value("-o");
     std::optional<ReadOnlyTarget> readOnly = replaceableTarget(c.session, c.dialogs, target);
     if (!readOnly) return 1;

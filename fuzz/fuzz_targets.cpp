@@ -2,6 +2,7 @@
 
 #include "app/file_commands.h"
 #include "app/game_folder.h"
+#include "app/master_summary.h"
 #include "app/openmw_config.h"
 #include "cleanup/text_rules.h"
 #include "cli/commands.h"
@@ -142,6 +143,8 @@ void texts(const std::uint8_t* data, std::size_t size) {
     std::string text = bytesOf(data, size), error;
     for (const PoEntry& e : readPo(text, error))
         if (e.context.size() + e.id.size() + e.translation.size() > 2 * size + 16) std::abort();
+    MasterSummary summary;
+    if (readMasterSummary(text, summary, error) && summary.records->DIAL.size() > size) std::abort();
     ScriptNames names;
     names.complete = true;
     auto none = [](std::string_view id) { return id.size() % 2 == 0; };

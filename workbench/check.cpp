@@ -154,10 +154,9 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
         if (!m->found())
             f.detail =
                 "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
-                "Data Files); choice, topic, reference and undeclared-variable findings are left out, since "
-                "its records could settle them (give it with --data DIR or --openmw-cfg FILE, or its summary "
-                "with "
-                "--master-summary FILE)";
+                "Data Files); choice, topic, reference and undeclared-variable findings and capitalised "
+                "words of the spelling check are left out, since its records could settle them (give it "
+                "with --data DIR or --openmw-cfg FILE, or its summary with --master-summary FILE)";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
