@@ -40,6 +40,10 @@ std::string jsonString(std::string_view bytes);
 // A file name as a JSON string: the system's names are UTF-8 and kept as they are; a byte that is
 // not UTF-8 becomes \udcXX, so that the name can be recovered byte for byte.
 std::string jsonFileName(std::string_view name);
+// The same for any UTF-8 text this program composed (a filter in words).
+inline std::string jsonUtf8(std::string_view utf8) {
+    return jsonFileName(utf8);
+}
 // A CSV field (RFC 4180) of UTF-8 text: quoted when it holds a comma, a quote or a line break.
 std::string csvField(std::string_view utf8);
 

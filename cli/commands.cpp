@@ -101,6 +101,19 @@ Commands:
                                    what a translator should look at: stale, untranslated,
                                    placeholder (%PCName lost or added), hyperlink (a topic named in
                                    the text missing from the translation), long, charset
+  dialogue FILE [--topic T] [--with-masters] [--json]
+                                   each topic of FILE with its responses in the order the game
+                                   tries them (with --with-masters merged with the masters' as
+                                   the game merges a load order), each with its file, ID, speaker
+                                   filters and conditions in words, text and result script
+  who-says FILE --topic T --actor ID [--pc KEY=NUMBER]... [--pc faction=NAME:RANK]...
+           [--var NAME=NUMBER]... [--journal ID=INDEX]... [--cell NAME] [--choice N] [--json]
+                                   the response the game gives that actor on T (the masters that
+                                   are found merged in), and for each response above it the first
+                                   filter that rejected it; KEY is a player function (level, sex,
+                                   speechcraft, reputation, ...); what is not given is taken as 0
+                                   (no faction, no item, quest not started) and listed; exit 1
+                                   when the actor says nothing
   load-order FILE                  the masters FILE needs, in load order, each with the path it was
                                    found at and its size against the size FILE recorded; exit 1
                                    when one is missing or has changed
@@ -352,6 +365,13 @@ const std::vector<Command>& commands() {
          npcListCommand,
          {"--cell", "-o"}},
         {"load-order", 1, {"--help"}, {"--unknown"}, loadOrderCommand},
+        {"dialogue", 1, {"--help", "--json", "--with-masters"}, {"--unknown", "--topic"}, dialogueCommand},
+        {"who-says",
+         1,
+         {"--help", "--json"},
+         {"--unknown", "--topic", "--actor", "--pc", "--var", "--journal", "--cell", "--choice"},
+         whoSaysCommand,
+         {"--topic", "--actor"}},
         {"translate-template",
          1,
          {"--help", "--replace-read-only"},

@@ -44,6 +44,10 @@ void printJson(std::ostream& out, const std::vector<std::string>& items);
 // The workbench: check, diff-dialogue and the loop list of several files.
 int checkCommand(Context& c);
 int masterSummaryCommand(Context& c);
+
+// The game's view of dialogue: the merged order, and which response a speaker gives.
+int dialogueCommand(Context& c);
+int whoSaysCommand(Context& c);
 int diffDialogueCommand(Context& c);
 int loopsCommand(Context& c);
 

@@ -38,9 +38,9 @@ std::size_t ruleIndex(const std::string& kind) {
     return 0;
 }
 
-// A JSON string of the file's bytes as UTF-8.
+// A JSON string of the file's bytes.
 std::string text(const std::string& bytes) {
-    return jsonString(toUtf8(bytes));
+    return jsonString(bytes);
 }
 
 // A file name as a URI reference: its bytes, with those a URI may not hold percent-encoded.

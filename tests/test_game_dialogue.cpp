@@ -1,0 +1,278 @@
+// The game's view of dialogue: a topic's responses merged across the load order as the game
+// merges them, conditions in words, and which response a speaker is given and why the ones above
+// it are not.
+#include "cli_run.h"
+#include "game/conditions.h"
+#include "game/dialogue_order.h"
+#include "game/response_choice.h"
+#include "helpers.h"
+
+using namespace quillon;
+using namespace quillon::test;
+
+namespace {
+
+std::string dial(const std::string& name, char type = '\0', bool deleted = false) {
+    Rec d("DIAL");
+    d.z("NAME", name).sub("DATA", std::string(1, type));
+    if (deleted) d.i32("DELE", 0);
+    return d.bytes();
+}
+
+// A response: ID, previous response, and its filters given as sub-records after DATA.
+struct Info {
+    Info(std::string id, std::string pnam, std::string text = "")
+        : id(std::move(id)), pnam(std::move(pnam)), text(std::move(text)) {}
+    std::string id, pnam, text, actor;
+    bool deleted = false;
+    // No speaker rank, sex or PC rank: the editor's "none" is all bits set.
+    std::string data = std::string(8, '\0') + "\xff\xff\xff" + std::string(1, '\0');
+    std::vector<std::pair<std::string, std::string>> subs; // tag, body, in order
+    std::string bytes() const {
+        Rec r("INFO");
+        r.z("INAM", id).z("PNAM", pnam).z("NNAM", "").sub("DATA", data);
+        if (!actor.empty()) r.z("ONAM", actor);
+        for (const auto& [tag, body] : subs)
+            r.sub(tag.c_str(), body);
+        r.text("NAME", text.empty() ? "Text " + id : text);
+        if (deleted) r.i32("DELE", 0);
+        return r.bytes();
+    }
+};
+
+// DATA with disposition, speaker rank, sex and PC rank (-1 for none).
+std::string data(std::int32_t disposition, int rank = -1, int sex = -1, int pcRank = -1) {
+    return le32(0) + le32(disposition) + std::string{char(rank), char(sex), char(pcRank), '\0'};
+}
+
+std::string topicFile(std::initializer_list<Info> infos, const std::string& topic = "T") {
+    std::string bytes = file(0, {dial(topic)});
+    for (const Info& i : infos)
+        bytes += i.bytes();
+    return bytes;
+}
+
+std::vector<std::string> order(std::initializer_list<std::string> files) {
+    std::vector<RecordStore> stores;
+    for (const std::string& f : files)
+        stores.push_back(readStore(f));
+    std::vector<DialogueSource> sources;
+    for (const RecordStore& s : stores)
+        sources.push_back({"f", &s});
+    std::vector<std::string> ids;
+    for (const MergedTopic& t : mergeDialogue(sources))
+        for (const MergedResponse& m : t.responses)
+            ids.push_back(m.info->INAM);
+    return ids;
+}
+
+} // namespace
+
+// The worked examples of the merge rule: inserted after its PNAM, later files nearer the anchor,
+// replaced in place, moved to the end by an unknown PNAM, to the front by an empty one, deleted
+// responses anchoring until the end.
+TEST(GameDialogue, ResponsesMergeAcrossTheLoadOrderAsTheGameMergesThem) {
+    std::string master = topicFile({{"A", ""}, {"B", "A"}, {"C", "B"}});
+    using V = std::vector<std::string>;
+    EXPECT_EQ(order({master, topicFile({{"X", "A"}})}), (V{"A", "X", "B", "C"}));
+    EXPECT_EQ(order({master, topicFile({{"X", "A"}}), topicFile({{"Y", "A"}})}),
+              (V{"A", "Y", "X", "B", "C"}));
+    EXPECT_EQ(order({master, topicFile({{"B", "A", "changed"}})}), (V{"A", "B", "C"}));
+    EXPECT_EQ(order({master, topicFile({{"B", "X"}})}), (V{"A", "C", "B"}));
+    EXPECT_EQ(order({master, topicFile({{"Z", ""}})}), (V{"Z", "A", "B", "C"}));
+    Info deleted{"B", "A"};
+    deleted.deleted = true;
+    EXPECT_EQ(order({master, topicFile({deleted, {"X", "B"}})}), (V{"A", "X", "C"}));
+    // A replacement takes the whole record where the old one stood.
+    std::vector<RecordStore> stores{readStore(master), readStore(topicFile({{"B", "A", "new words"}}))};
+    std::vector<MergedTopic> merged = mergeDialogue({{"m.esm", &stores[0]}, {"p.esp", &stores[1]}});
+    ASSERT_EQ(merged.size(), 1u);
+    EXPECT_EQ(merged[0].responses[1].info->NAME, "new words");
+    EXPECT_EQ(merged[0].responses[1].file, 1u);
+}
+
+TEST(GameDialogue, TopicsAreOneNamespaceDeletedWithTheirResponsesAndGreetingsGoByID) {
+    std::string master = file(0, {dial("Greeting 1", '\2'), Info{"g1", ""}.bytes(), dial("Greeting 0", '\2'),
+                                  Info{"g0", ""}.bytes(), dial("rumors"), Info{"r", ""}.bytes(), dial("gone"),
+                                  Info{"x", ""}.bytes()});
+    std::string plugin = file(0, {dial("RUMORS", '\4'), dial("gone", '\0', true)});
+    std::vector<RecordStore> stores{readStore(master), readStore(plugin)};
+    std::vector<MergedTopic> merged = mergeDialogue({{"m", &stores[0]}, {"p", &stores[1]}});
+    ASSERT_EQ(merged.size(), 3u);
+    EXPECT_EQ(merged[0].name, "Greeting 0"); // greetings before journals, in ID order
+    EXPECT_EQ(merged[1].name, "Greeting 1");
+    EXPECT_EQ(merged[2].name, "rumors"); // the first file's letter case,
+    EXPECT_EQ(merged[2].type, 4);        // the last file's type
+    EXPECT_EQ(merged[2].responses.size(), 1u);
+}
+
+TEST(GameDialogue, ConditionsInWordsAndTheSlotsTheGameDrops) {
+    auto words = [](const std::string& scvrBody, std::int32_t value, bool isFloat = false) {
+        InfoCondition c;
+        c.Index = scvrBody[0];
+        c.Type = scvrBody[1];
+        c.Function = {scvrBody[2], scvrBody[3]};
+        c.Comparison = scvrBody[4];
+        c.Name = scvrBody.substr(5);
+        if (isFloat) {
+            c.FLTVSize = 4;
+            c.FLTV = float(value) + 0.5f;
+        } else {
+            c.INTVSize = 4;
+            c.INTV = value;
+        }
+        std::optional<Condition> decoded = decodeCondition(c);
+        return decoded ? describe(*decoded) : std::string("dropped");
+    };
+    EXPECT_EQ(words(scvr('0', '1', "06", '3'), 10), "PC Level \u2265 10");
+    EXPECT_EQ(words(scvr('1', 'C', "sX", '0', "NoLore"), 0), "Not Local NoLore = 0");
+    EXPECT_EQ(words(scvr('2', '4', "JX", '3', "MS_Trade"), 50), "Journal MS_Trade \u2265 50");
+    EXPECT_EQ(words(scvr('3', '7', "XX", '0', "fargoth"), 1), "Not ID fargoth"); // its value means nothing
+    EXPECT_EQ(words(scvr('4', '2', "fX", '5', "Random100"), 30, true), "Global Random100 \u2264 30.5");
+    EXPECT_EQ(words(scvr('5', '1', "50", '1'), 2), "Choice \u2260 2");
+    EXPECT_EQ(words(scvr('0', '1', "74", '0'), 1), "dropped");      // no function 74
+    EXPECT_EQ(words(scvr('0', '1', "06", '7'), 1), "dropped");      // no comparison 7
+    EXPECT_EQ(words(scvr('0', 'D', "XX", '0', "x"), 1), "dropped"); // no type D
+    EXPECT_EQ(words(scvr('0', '3', "sX", '0'), 1), "dropped");      // a local without a name
+
+    Info all{"1", ""};
+    all.actor = "fargoth";
+    all.data = data(30, 2, 1, 0);
+    all.subs = {{"RNAM", std::string("Wood Elf\0", 9)},
+                {"FNAM", std::string("Guild\0", 6)},
+                {"DNAM", std::string("Thieves\0", 8)},
+                {"ANAM", std::string("Seyda Neen\0", 11)}};
+    RecordStore s = readStore(file(0, {dial("T"), all.bytes()}));
+    EXPECT_EQ(speakerFilters(s.INFO.at(0), false),
+              (std::vector<std::string>{"ID fargoth", "Race Wood Elf", "Faction Guild (rank \u2265 2)",
+                                        "Sex Female", "PC Faction Thieves (rank \u2265 0)", "Cell Seyda Neen",
+                                        "Disposition \u2265 30"}));
+    EXPECT_EQ(speakerFilters(s.INFO.at(0), true).back(), "Index 30");
+}
+
+// Each filter in the game's order rejects the responses above the one given, and what the
+// caller did not say is named as assumed.
+TEST(GameDialogue, TheFirstResponseWhoseFiltersAllHoldIsGiven) {
+    std::string schd = fixed("npc_script", 32) + le32(1) + std::string(16, '\0');
+    auto npc = [](const std::string& id, const std::string& race, const std::string& faction, int rank,
+                  bool female, const std::string& script) {
+        std::string stats(12, '\0');
+        stats[2] = 40; // disposition
+        stats[4] = char(rank);
+        Rec n("NPC_");
+        n.z("NAME", id)
+            .z("FNAM", id)
+            .z("RNAM", race)
+            .z("CNAM", "Smith")
+            .z("ANAM", faction)
+            .sub("NPDT", stats);
+        n.i32("FLAG", female ? 1 : 0);
+        if (!script.empty()) n.z("SCRI", script);
+        return n.bytes();
+    };
+    auto slot = [](const std::string& body, std::int32_t value) {
+        return std::vector<std::pair<std::string, std::string>>{{"SCVR", body}, {"INTV", le32(value)}};
+    };
+    auto with = [](Info i, std::vector<std::pair<std::string, std::string>> subs) {
+        i.subs = std::move(subs);
+        return i;
+    };
+    using S = Info;
+    Info other{"1", ""};
+    other.actor = "someone";
+    Info elves{"2", "1"};
+    elves.subs = {{"RNAM", std::string("Wood Elf\0", 9)}};
+    Info noFaction{"3", "2"};
+    noFaction.subs = {{"FNAM", std::string("FFFF\0", 5)}};
+    Info male{"4", "3"};
+    male.data = data(0, -1, 0);
+    Info local = with(S{"5", "4"}, slot(scvr('0', '3', "sX", '0', "missing"), 0));
+    Info noLore = with(S{"6", "5"}, slot(scvr('0', 'C', "sX", '0', "nolore"), 0));
+    Info choice = with(S{"7", "6"}, slot(scvr('0', '1', "50", '0'), 1));
+    Info journal = with(S{"8", "7"}, slot(scvr('0', '4', "JX", '3', "quest"), 50));
+    Info cell{"9", "8"};
+    cell.subs = {{"ANAM", std::string("Balmora\0", 8)}};
+    Info fond{"10", "9"};
+    fond.data = data(70);
+    Info unknownGlobal = with(S{"11", "10"}, slot(scvr('0', '2', "sX", '0', "noSuchGlobal"), 5));
+    std::string bytes =
+        file(0, {Rec("SCPT").sub("SCHD", schd).sub("SCVR", std::string("nolore\0", 7)).bytes(),
+                 npc("ann", "Dark Elf", "Guild", 3, true, "npc_script"), dial("T")}) +
+        other.bytes() + elves.bytes() + noFaction.bytes() + male.bytes() + local.bytes() + noLore.bytes() +
+        choice.bytes() + journal.bytes() + cell.bytes() + fond.bytes() + unknownGlobal.bytes();
+    RecordStore store = readStore(bytes);
+    std::vector<DialogueSource> sources{{"p.esp", &store}};
+    MergedTopic topic = mergeDialogue(sources).at(0);
+    Speaker ann = findSpeaker(sources, "ann");
+    ASSERT_TRUE(ann.found);
+    EXPECT_EQ(ann.disposition, 40);
+    Situation s;
+    ResponseChoice got = chooseResponse(topic, ann, s);
+    auto reasons = [&] {
+        std::vector<std::string> out;
+        for (const auto& [i, why] : got.rejected)
+            out.push_back(topic.responses[i].info->INAM + ": " + why);
+        return out;
+    };
+    ASSERT_TRUE(got.given);
+    EXPECT_EQ(topic.responses[*got.given].info->INAM, "11"); // a global the load order lacks passes
+    EXPECT_EQ(reasons(), (std::vector<std::string>{
+                             "1: ID someone", "2: Race Wood Elf", "3: No Faction", "4: Sex Male",
+                             "5: Local missing = 0", "6: Not Local nolore = 0", "7: Choice = 1",
+                             "8: Journal quest \u2265 50", "9: Cell Balmora", "10: Disposition \u2265 70"}));
+    EXPECT_EQ(got.assumed, (std::vector<std::string>{"no choice is being answered",
+                                                     "the journal quest is at 0", "the local nolore is 0",
+                                                     "the player is in no cell that a filter names"}));
+    // Given the answer, the quest and the cell, the responses they filtered now win.
+    s.choice = 1;
+    got = chooseResponse(topic, ann, s);
+    EXPECT_EQ(topic.responses[*got.given].info->INAM, "7");
+    s.choice.reset();
+    s.variables["nolore"] = 1;
+    got = chooseResponse(topic, ann, s);
+    EXPECT_EQ(topic.responses[*got.given].info->INAM, "6");
+    // A creature says only what names it.
+    Speaker creature;
+    creature.id = "ann";
+    creature.found = creature.creature = true;
+    got = chooseResponse(topic, creature, s);
+    EXPECT_FALSE(got.given);
+    EXPECT_EQ(got.rejected.at(1).second, "a creature says only what names its ID");
+}
+
+TEST(GameDialogue, TheCommandsShowTheOrderAndWhoSaysWhat) {
+    TempDir dir;
+    std::filesystem::create_directories(dir.file("data"));
+    Info a{"A", ""}, b{"B", "A"};
+    a.actor = "fargoth";
+    a.text = "Only to Fargoth.";
+    b.text = "To anyone.";
+    dir.write("data/Base.esm", topicFile({a, b}, "rumors"));
+    Info x{"X", "A"};
+    x.text = "After A, from the plugin.";
+    x.subs = {{"SCVR", scvr('0', '1', "06", '3')}, {"INTV", le32(10)}};
+    std::string header =
+        Rec("TES3").sub("HEDR", hedr(0)).z("MAST", "Base.esm").sub("DATA", std::string(8, '\0')).bytes();
+    std::string plugin = dir.write("p.esp", header + dial("rumors") + x.bytes());
+
+    CliRun merged = cli({"dialogue", plugin, "--with-masters", "--data", dir.file("data")});
+    EXPECT_EQ(merged.status, 0) << merged.err;
+    EXPECT_EQ(merged.out, "Topic \"rumors\": 3 response(s)\n"
+                          "  1. Base.esm INFO A [ID fargoth]\n     \"Only to Fargoth.\"\n"
+                          "  2. p.esp INFO X [PC Level \u2265 10]\n     \"After A, from the plugin.\"\n"
+                          "  3. Base.esm INFO B\n     \"To anyone.\"\n");
+    CliRun alone = cli({"dialogue", plugin, "--json", "--data", dir.file("data")});
+    EXPECT_NE(alone.out.find("\"conditions\": [\"PC Level \u2265 10\"]"), std::string::npos) << alone.out;
+    EXPECT_EQ(cli({"dialogue", plugin, "--topic", "nothing"}).status, 1);
+
+    CliRun low =
+        cli({"who-says", plugin, "--topic", "Rumors", "--actor", "guard", "--data", dir.file("data")});
+    EXPECT_EQ(low.status, 0) << low.err;
+    EXPECT_EQ(low.out, "guard says \"To anyone.\" (Base.esm INFO B)\nPassed over, from the top:\n"
+                       "  Base.esm INFO A: ID fargoth\n  p.esp INFO X: PC Level \u2265 10\n"
+                       "Assumed: the actor is defined by none of the files read; PC Level is 0\n");
+    CliRun high = cli({"who-says", plugin, "--topic", "rumors", "--actor", "guard", "--pc", "level=12",
+                       "--json", "--data", dir.file("data")});
+    EXPECT_EQ(high.out.rfind("{\"response\": {\"file\": \"p.esp\", \"id\": \"X\"", 0), 0u) << high.out;
+    EXPECT_EQ(cli({"who-says", plugin, "--topic", "rumors", "--actor", "guard", "--pc", "lvl=3"}).status, 2);
+}
