@@ -1,20 +1,13 @@
 #include "game/response_choice.h"
 
 #include "app/encoding.h"
+#include "app/script_variables.h"
 #include "app/text.h"
 #include "game/conditions.h"
 
 namespace quillon {
 
 namespace {
-
-std::set<std::string> variablesOf(const ScptRecord& s) {
-    std::set<std::string> out;
-    for (const auto* list : {&s.ShortNames, &s.LongNames, &s.FloatNames})
-        for (const std::string& name : *list)
-            out.insert(foldedKey(name));
-    return out;
-}
 
 // Tries one response; the first filter that rejects it in words (UTF-8), or nothing.
 class Trial {
@@ -172,7 +165,7 @@ Speaker findSpeaker(const std::vector<DialogueSource>& sources, const std::strin
     if (!script.empty())
         for (const DialogueSource& source : sources)
             for (const ScptRecord& r : source.store->SCPT)
-                if (equalsIgnoreCase(fixedText(r.ScriptName), script)) s.locals = variablesOf(r);
+                if (equalsIgnoreCase(fixedText(r.ScriptName), script)) s.locals = scriptVariables(r);
     return s;
 }
 

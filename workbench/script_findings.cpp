@@ -1,5 +1,6 @@
 #include "workbench/script_findings.h"
 
+#include "app/script_variables.h"
 #include "app/text.h"
 #include "script/script_check.h"
 
@@ -9,14 +10,6 @@
 namespace quillon {
 
 namespace {
-
-std::set<std::string> variablesOf(const ScptRecord& script) {
-    std::set<std::string> out;
-    for (const auto* list : {&script.ShortNames, &script.LongNames, &script.FloatNames})
-        for (const std::string& name : *list)
-            out.insert(foldedKey(name));
-    return out;
-}
 
 // The IDs of the file and its masters, each kind folded for lookups in any letter case.
 struct LoadOrderIds {
@@ -49,7 +42,7 @@ struct LoadOrderIds {
             regions.insert(foldedKey(r.NAME));
         for (const ScptRecord& r : s.SCPT) {
             scripts.insert(foldedKey(fixedText(r.ScriptName)));
-            variables[foldedKey(fixedText(r.ScriptName))] = variablesOf(r);
+            variables[foldedKey(fixedText(r.ScriptName))] = scriptVariables(r);
         }
         for (const FactRecord& f : s.FACT)
             factions.insert(foldedKey(f.NAME));
