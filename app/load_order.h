@@ -38,6 +38,7 @@ struct MasterFile {
     const RecordStore& store() const { return *records; }
     // Names the spelling check accepts, given by a master summary in place of its records.
     std::vector<std::string> names;
+    bool summarised = false; // its records are a summary's: IDs, not responses
     bool found() const { return !path.empty(); }
     bool changed() const { return found() && recordedSize != 0 && recordedSize != size; }
 };

@@ -314,6 +314,7 @@ std::vector<std::string> useMasterSummary(LoadOrder& order, const MasterSummary&
             summarised = summarised || foldedKey(name) == foldedKey(m->name);
         if (!summarised) continue;
         m->path = path;
+        m->summarised = true;
         m->size = m->recordedSize; // a summary holds no size to compare
         // The records go with the first master given; the others stand found, with nothing of their own.
         if (given.empty()) {

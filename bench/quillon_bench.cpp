@@ -8,6 +8,7 @@
 //   quillon_bench one COMMAND FILE.esm        (one command in a fresh process, for its memory)
 //   quillon_bench shared-master FILE.esm [--plugins N] [--runs N]
 //                                             (check of N small plugins naming FILE as their master)
+//   quillon_bench game-rules FILE.esm [--runs N]  (the dialogue rules' kinds against the Open)
 #include "app/file_commands.h"
 #include "bench/processes.h"
 #include "bench/shared_master.h"
@@ -240,6 +241,11 @@ int main(int argc, char** argv) {
         }
         std::string quillon = (std::filesystem::path(argv[0]).parent_path() / "quillon").string();
         return bench::timeSharedMaster(quillon, args[1], plugins, runs);
+    }
+    if (args.size() >= 2 && args[0] == "game-rules") {
+        int runs = args.size() >= 4 && args[2] == "--runs" ? std::stoi(args[3]) : 5;
+        std::string quillon = (std::filesystem::path(argv[0]).parent_path() / "quillon").string();
+        return bench::timeGameRules(quillon, args[1], runs);
     }
     if (args.size() == 3 && args[0] == "one") {
         for (const Command& c : commands())

@@ -70,4 +70,14 @@ int timeSharedMaster(const std::string& quillon, const std::string& master, int 
     return 0;
 }
 
+int timeGameRules(const std::string& quillon, const std::string& file, int runs) {
+    double open = medianOf({quillon, "counts", file}, runs),
+           rules = medianOf({quillon, "check", file, "--only", "shadowed,never,order,journal,link"}, runs);
+    std::printf("the game's dialogue rules on %s, median of %d runs (whole processes)\n", file.c_str(), runs);
+    std::printf("  %-40s %10.1f ms\n", "open (counts)", open);
+    std::printf("  %-40s %10.1f ms\n", "check --only shadowed,...,link", rules);
+    std::printf("  %-40s %10.2f (target at most 2.00)\n", "ratio to the open", rules / open);
+    return 0;
+}
+
 } // namespace quillon::bench

@@ -114,6 +114,10 @@ Commands:
                                    speechcraft, reputation, ...); what is not given is taken as 0
                                    (no faction, no item, quest not started) and listed; exit 1
                                    when the actor says nothing
+  links FILE --topic T --response ID
+                                   the response's text with the topic links the game finds in it
+                                   marked @so# (over the topics of FILE and its masters found),
+                                   then each link's topic
   load-order FILE                  the masters FILE needs, in load order, each with the path it was
                                    found at and its size against the size FILE recorded; exit 1
                                    when one is missing or has changed
@@ -366,6 +370,12 @@ const std::vector<Command>& commands() {
          {"--cell", "-o"}},
         {"load-order", 1, {"--help"}, {"--unknown"}, loadOrderCommand},
         {"dialogue", 1, {"--help", "--json", "--with-masters"}, {"--unknown", "--topic"}, dialogueCommand},
+        {"links",
+         1,
+         {"--help"},
+         {"--unknown", "--topic", "--response"},
+         linksCommand,
+         {"--topic", "--response"}},
         {"who-says",
          1,
          {"--help", "--json"},

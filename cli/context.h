@@ -48,6 +48,7 @@ int masterSummaryCommand(Context& c);
 // The game's view of dialogue: the merged order, and which response a speaker gives.
 int dialogueCommand(Context& c);
 int whoSaysCommand(Context& c);
+int linksCommand(Context& c);
 int diffDialogueCommand(Context& c);
 int loopsCommand(Context& c);
 

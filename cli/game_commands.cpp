@@ -7,6 +7,7 @@
 #include "game/conditions.h"
 #include "game/dialogue_order.h"
 #include "game/response_choice.h"
+#include "game/topic_links.h"
 
 #include <charconv>
 #include <filesystem>
@@ -183,6 +184,32 @@ int dialogueCommand(Context& c) {
         for (const std::string& item : items)
             c.out << item << "\n";
     return 0;
+}
+
+int linksCommand(Context& c) {
+    if (!openPath(c.session, c.dialogs, c.args.positional[0]).isDone()) return 1;
+    std::vector<DialogueSource> sources = sourcesOf(c, true);
+    std::vector<MergedTopic> topics = mergeDialogue(sources);
+    std::vector<std::string> names;
+    for (const MergedTopic& t : topics)
+        names.push_back(t.name);
+    TopicLinks links(names);
+    std::string topicName = codePage(c.args.value("--topic")), id = codePage(c.args.value("--response"));
+    for (const MergedTopic& t : topics) {
+        if (!equalsIgnoreCase(t.name, topicName)) continue;
+        for (const MergedResponse& m : t.responses) {
+            if (m.info->INAM != id) continue;
+            std::vector<TopicLink> found = links.find(m.info->NAME);
+            c.out << terminalLine(toUtf8(markedLinks(m.info->NAME, found))) << "\n";
+            for (const TopicLink& l : found)
+                c.out << "  " << terminalLine(toUtf8(l.topic)) << (l.explicitLink ? " (explicit)" : "")
+                      << "\n";
+            return 0;
+        }
+    }
+    c.err << "quillon links: no response " << forTerminal(c.args.value("--response")) << " of the topic \""
+          << forTerminal(c.args.value("--topic")) << "\" in the files read\n";
+    return 1;
 }
 
 int whoSaysCommand(Context& c) {

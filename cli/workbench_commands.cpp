@@ -59,7 +59,7 @@ bool parseKinds(const std::string& list, std::set<std::string>& kinds, std::ostr
     for (std::string kind; std::getline(in, kind, ',');) {
         if (std::find(std::begin(kFindingKinds), std::end(kFindingKinds), kind) == std::end(kFindingKinds)) {
             err << "quillon check: --only takes kinds among master, unknown, damage, loop, choice, topic, "
-                   "script, reference, long, style and spelling\n";
+                   "script, reference, shadowed, never, order, journal, link, long, style and spelling\n";
             return false;
         }
         kinds.insert(kind);

@@ -25,21 +25,32 @@ namespace {
 // One topic's list while files are merged.
 class TopicOrder {
 public:
-    void insert(const InfoRecord& r, std::size_t file) {
+    void insert(const InfoRecord& r, std::size_t file, const std::string& topic,
+                std::vector<OrderEvent>* events) {
         auto found = byId_.find(r.INAM);
         if (found != byId_.end() && found->second->info->PNAM == r.PNAM) {
             *found->second = {&r, file};
             return;
         }
-        if (found != byId_.end()) {
+        auto note = [&](OrderEvent::Kind kind, std::size_t other) {
+            if (events && file > 0 && !r.Dele) events->push_back({kind, &r, file, topic, other});
+        };
+        bool isNew = found == byId_.end();
+        if (!isNew) {
+            if (found->second->file < file) note(OrderEvent::Moved, found->second->file);
             list_.erase(found->second);
             byId_.erase(found);
         }
         auto at = list_.end();
-        if (r.PNAM.empty())
+        if (r.PNAM.empty()) {
+            if (isNew && !list_.empty() && list_.front().file < file)
+                note(OrderEvent::AboveFirst, list_.front().file);
             at = list_.begin();
-        else if (auto previous = byId_.find(r.PNAM); previous != byId_.end())
+        } else if (auto previous = byId_.find(r.PNAM); previous != byId_.end()) {
             at = std::next(previous->second);
+        } else {
+            note(OrderEvent::UnknownPrevious, file);
+        }
         byId_[r.INAM] = list_.insert(at, {&r, file});
     }
 
@@ -68,7 +79,8 @@ int typeRank(std::uint8_t type) {
 
 } // namespace
 
-std::vector<MergedTopic> mergeDialogue(const std::vector<DialogueSource>& sources) {
+std::vector<MergedTopic> mergeDialogue(const std::vector<DialogueSource>& sources,
+                                       std::vector<OrderEvent>* events) {
     struct Topic {
         MergedTopic topic;
         TopicOrder order;
@@ -89,7 +101,7 @@ std::vector<MergedTopic> mergeDialogue(const std::vector<DialogueSource>& source
         }
         for (const InfoRecord& r : store.INFO)
             if (auto at = topics.find(foldedKey(r.Topic)); at != topics.end())
-                at->second.order.insert(r, file);
+                at->second.order.insert(r, file, at->second.topic.name, events);
     }
     std::vector<MergedTopic> out;
     out.reserve(topics.size());

@@ -32,8 +32,23 @@ struct MergedTopic {
     std::vector<MergedResponse> responses;
 };
 
+// A response of a later file put where its writer may not have meant it.
+struct OrderEvent {
+    enum Kind {
+        UnknownPrevious, // its PNAM names no response merged before it: it goes last
+        AboveFirst,      // a new response with an empty PNAM goes above an earlier file's first one
+        Moved,           // an earlier file's response of its ID, with another PNAM, is moved
+    } kind;
+    const InfoRecord* info;
+    std::size_t file;
+    std::string topic;
+    std::size_t otherFile = 0; // for AboveFirst and Moved: the file whose response it passes or moves
+};
+
 // Every topic of the sources, merged; sorted by type (Topic, Greeting, Persuasion, Voice,
 // Journal) and then by ID in any letter case, which is also the order greetings are tried in.
-std::vector<MergedTopic> mergeDialogue(const std::vector<DialogueSource>& sources);
+// events, when given, gets what the merge did to responses of files after the first.
+std::vector<MergedTopic> mergeDialogue(const std::vector<DialogueSource>& sources,
+                                       std::vector<OrderEvent>* events = nullptr);
 
 } // namespace quillon

@@ -3,8 +3,10 @@
 // it are not.
 #include "cli_run.h"
 #include "game/conditions.h"
+#include "game/dialogue_faults.h"
 #include "game/dialogue_order.h"
 #include "game/response_choice.h"
+#include "game/topic_links.h"
 #include "helpers.h"
 
 using namespace quillon;
@@ -275,4 +277,95 @@ TEST(GameDialogue, TheCommandsShowTheOrderAndWhoSaysWhat) {
                        "--json", "--data", dir.file("data")});
     EXPECT_EQ(high.out.rfind("{\"response\": {\"file\": \"p.esp\", \"id\": \"X\"", 0), 0u) << high.out;
     EXPECT_EQ(cli({"who-says", plugin, "--topic", "rumors", "--actor", "guard", "--pc", "lvl=3"}).status, 2);
+}
+
+// The faults only the game's rules reveal: a response an earlier one always pre-empts (and none
+// where that is unsure), filters that contradict each other, a merge that puts a response last,
+// first or moves another, a quest index given twice.
+TEST(GameDialogue, FaultsOnlyTheGamesRulesReveal) {
+    auto slot = [](const std::string& body, std::int32_t value) {
+        return std::vector<std::pair<std::string, std::string>>{{"SCVR", body}, {"INTV", le32(value)}};
+    };
+    auto with = [](Info i, std::vector<std::pair<std::string, std::string>> subs,
+                   const std::string& actor = "") {
+        i.subs = std::move(subs);
+        i.actor = actor;
+        return i;
+    };
+    using S = Info;
+    std::string master = topicFile({with(S{"M1", ""}, {}, "guard"), with(S{"M2", "M1"}, {}, "guard")});
+    std::string plugin = topicFile(
+        {with(S{"N1", "M1"}, {}, "someone"),                                  // after M1: fine
+         with(S{"P1", "N1"}, slot(scvr('0', '1', "06", '3'), 5)),             // PC Level >= 5
+         with(S{"P2", "P1"}, slot(scvr('0', '1', "06", '3'), 10), "fargoth"), // shadowed by P1
+         with(S{"P3", "P2"}, slot(scvr('0', '3', "sX", '0', "talked"), 1)),   // a Local: never judged
+         with(S{"P4", "P3"}, slot(scvr('0', '1', "06", '2'), 20)),            // PC Level > 20: shadowed
+         with(S{"P5", "P4"}, {{"SCVR", scvr('0', '7', "XX", '0', "fargoth")}, {"INTV", le32(1)}}, "fargoth"),
+         with(S{"P6", "P5"}, {{"SCVR", scvr('0', '4', "JX", '3', "q")},
+                              {"INTV", le32(50)},
+                              {"SCVR", scvr('1', '4', "JX", '4', "q")},
+                              {"INTV", le32(20)}}),
+         with(S{"P7", "P6"}, slot(scvr('0', '1', "38", '0'), 2)), // PC Sex = 2
+         S{"P8", "gone"}, with(S{"P9", ""}, {}, "nobody"), with(S{"M2", "P9"}, {}, "guard")});
+    std::vector<RecordStore> stores{readStore(master), readStore(plugin)};
+    auto faults = [&](bool known) {
+        std::vector<std::string> out;
+        for (const DialogueFault& f : dialogueFaults({{"m.esm", &stores[0]}, {"p.esp", &stores[1]}}, known))
+            out.push_back(std::string(f.kind) + " " + f.info->INAM + ": " + f.detail);
+        return out;
+    };
+    EXPECT_EQ(
+        faults(true),
+        (std::vector<std::string>{
+            "shadowed P2: never shown: p.esp INFO P1 above it (PC Level \u2265 5) is given whenever it would "
+            "be",
+            "shadowed P4: never shown: p.esp INFO P1 above it (PC Level \u2265 5) is given whenever it would "
+            "be",
+            "never P5: never shown: ID fargoth and Not ID fargoth",
+            "never P6: never shown: Journal q < 20 contradicts an earlier slot",
+            "never P7: never shown: PC Sex = 2 can never hold",
+            "order P8: its previous response (PNAM gone) is in none of the files before it: it goes last",
+            "order P9: its empty previous response (PNAM) puts it above the first response of m.esm",
+            "order M2: it has the ID of a response of m.esm with another previous response (PNAM P9): that "
+            "response is moved"}));
+    // Without the whole load order only what the responses settle themselves.
+    std::vector<std::string> alone = faults(false);
+    EXPECT_EQ(alone.size(), 3u);
+    EXPECT_TRUE(std::all_of(alone.begin(), alone.end(),
+                            [](const std::string& f) { return f.rfind("never", 0) == 0; }));
+
+    // A quest index given twice, a second quest name.
+    Info first{"J1", "", "Started."}, again{"J2", "J1", "Again."}, named{"J3", "J2", "Named."};
+    first.data = data(10);
+    again.data = data(10);
+    named.data = data(20);
+    first.subs = {{"QSTN", std::string(1, '\1')}};
+    named.subs = {{"QSTN", std::string(1, '\1')}};
+    RecordStore quest = readStore(file(0, {dial("q", '\4'), first.bytes(), again.bytes(), named.bytes()}));
+    std::vector<std::string> journal;
+    for (const DialogueFault& f : dialogueFaults({{"q.esp", &quest}}, true))
+        journal.push_back(f.info->INAM + ": " + f.detail);
+    EXPECT_EQ(journal, (std::vector<std::string>{
+                           "J2: index 10 is q.esp INFO J1's already; the game writes only the first",
+                           "J3: a second entry naming the quest (the first: q.esp INFO J1)"}));
+}
+
+// Topic links as the game finds them: at a word's start, its end unchecked, the longest of
+// overlapping matches, explicit @…# links.
+TEST(GameDialogue, TopicLinksFollowTheGamesKeywordRule) {
+    auto linked = [](std::vector<std::string> topics, const std::string& text) {
+        std::vector<std::string> out;
+        for (const TopicLink& l : TopicLinks(std::move(topics)).find(text))
+            out.push_back(l.topic + (l.explicitLink ? "!" : "") + "@" + std::to_string(l.at));
+        return out;
+    };
+    using V = std::vector<std::string>;
+    EXPECT_EQ(linked({"foo bar", "bar lock", "lock so"}, "foo bar lock so"), V{"bar lock@4"});
+    EXPECT_EQ(linked({"the dwemer", "dwemer language"}, "the dwemer language"), V{"dwemer language@4"});
+    EXPECT_EQ(linked({"orc", "ring"}, "Force, Orcs, a Bring, gold-rings, (ring"), (V{"orc@7", "ring@35"}));
+    EXPECT_EQ(linked({"work", "some work"}, "I've got some work for you. Work?"),
+              (V{"some work@9", "work@28"}));
+    EXPECT_EQ(linked({"Vivec"}, "Ask @Lord Vivec# about \"VIVEC\" or @unclosed"),
+              (V{"lord vivec!@4", "Vivec@24"}));
+    EXPECT_EQ(markedLinks("ask about work", TopicLinks({"work"}).find("ask about work")), "ask about @work#");
 }

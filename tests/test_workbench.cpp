@@ -49,10 +49,10 @@ TEST(Check, EachKindOnAMadePlugin) {
         r.out,
         p +
             "master: TES3 \"Master.esm\": not found (beside the file, in the --data folders, OpenMW's "
-            "data folders or the game's Data Files); choice, topic, reference and undeclared-variable "
-            "findings and capitalised words of the spelling check are left out, since its records could "
-            "settle them (give it with --data DIR or --openmw-cfg FILE, or its summary with "
-            "--master-summary FILE)\n" +
+            "data folders or the game's Data Files); choice, topic, reference, shadowed, order and link "
+            "findings, undeclared variables and capitalised words of the spelling check are left out, "
+            "since its records could settle them (give it with --data DIR or --openmw-cfg FILE, or its "
+            "summary with --master-summary FILE, which stands in for all but shadowed, order and link)\n" +
             p + "loop: INFO 1 (topic \"T\", actor \"npc\"): choice 1 offered again: Choice \"Again\" 1\n" +
             p + "long: INFO 4 (topic \"T\", actor \"npc\"): 600 characters, over 512\n" + p +
             "style: INFO 5 (topic \"T\", actor \"npc\"): the clean-up changes letter case only: \"Beware "

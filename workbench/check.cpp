@@ -6,6 +6,7 @@
 #include "app/text.h"
 #include "cleanup/text_rules.h"
 #include "dialogue/result_scripts.h"
+#include "game/dialogue_faults.h"
 #include "records/es_read.h"
 #include "records/response_text.h"
 #include "workbench/script_findings.h"
@@ -21,8 +22,9 @@
 
 namespace quillon {
 
-const char* const kFindingKinds[11] = {"master", "unknown",   "damage", "loop",  "choice",  "topic",
-                                       "script", "reference", "long",   "style", "spelling"};
+const char* const kFindingKinds[16] = {"master", "unknown",   "damage",   "loop",    "choice", "topic",
+                                       "script", "reference", "shadowed", "never",   "order",  "journal",
+                                       "link",   "long",      "style",    "spelling"};
 
 namespace {
 
@@ -122,6 +124,47 @@ void checkResultScripts(const RecordStore& store, const CheckOptions& options, s
     }
 }
 
+// The check's details are the file's bytes; the game's rules speak UTF-8 with signs no code
+// page has.
+std::string inCodePage(std::string utf8) {
+    for (auto [sign, plain] : {std::pair{"\u2265", ">="}, {"\u2264", "<="}, {"\u2260", "!="}})
+        for (std::size_t at; (at = utf8.find(sign)) != std::string::npos;)
+            utf8.replace(at, std::string_view(sign).size(), plain);
+    std::string bytes;
+    char32_t missing = 0;
+    fromUtf8(utf8, bytes, missing);
+    return bytes;
+}
+
+void checkGameRules(const RecordStore& store, const CheckOptions& options, std::vector<Finding>& out) {
+    if (!wants(options, "shadowed") && !wants(options, "never") && !wants(options, "order") &&
+        !wants(options, "journal") && !wants(options, "link"))
+        return;
+    std::vector<DialogueSource> sources;
+    bool hasMasters = !store.TES3.empty() && !store.TES3.front().Masters.empty();
+    bool known = !hasMasters || options.masters;
+    if (options.masters)
+        for (const auto& m : options.masters->masters) {
+            if (m->found() && !m->summarised) sources.push_back({m->name, &m->store()});
+            known = known && m->found() && !m->summarised;
+        }
+    sources.push_back({"this file", &store});
+    for (const DialogueFault& fault : dialogueFaults(sources, known)) {
+        if (!wants(options, fault.kind)) continue;
+        if (fault.info) {
+            out.push_back(aboutResponse(store.INFO, std::size_t(fault.info - store.INFO.data()), fault.kind,
+                                        inCodePage(fault.detail)));
+            continue;
+        }
+        Finding f;
+        f.kind = fault.kind;
+        f.record = "DIAL";
+        f.id = fault.topic;
+        f.detail = inCodePage(fault.detail);
+        out.push_back(std::move(f));
+    }
+}
+
 void checkTexts(const std::vector<InfoRecord>& infos, const CheckOptions& options,
                 std::vector<Finding>& out) {
     bool quoteParity = false; // carried from response to response, as the clean-up does
@@ -154,9 +197,10 @@ void checkRecords(RecordStore& store, std::int32_t recordCount, const CheckOptio
         if (!m->found())
             f.detail =
                 "not found (beside the file, in the --data folders, OpenMW's data folders or the game's "
-                "Data Files); choice, topic, reference and undeclared-variable findings and capitalised "
-                "words of the spelling check are left out, since its records could settle them (give it "
-                "with --data DIR or --openmw-cfg FILE, or its summary with --master-summary FILE)";
+                "Data Files); choice, topic, reference, shadowed, order and link findings, undeclared "
+                "variables and capitalised words of the spelling check are left out, since its records could "
+                "settle them (give it with --data DIR or --openmw-cfg FILE, or its summary with "
+                "--master-summary FILE, which stands in for all but shadowed, order and link)";
         else if (m->changed())
             f.detail = "has changed since " + m->namedBy + " was saved: " + groupedNumber(m->recordedSize) +
                        " bytes then, " + groupedNumber(m->size) + " now (" + m->path + ")";
@@ -195,6 +239,7 @@ std::vector<Finding> checkDialogue(RecordStore& store, std::int32_t recordCount,
     checkResultScripts(store, options, all);
     std::vector<std::string> notes;
     checkScripts(store, options.masters, options.only, all, options.notes ? *options.notes : notes);
+    checkGameRules(store, options, all);
     checkTexts(store.INFO, options, all);
     if (options.spelling && wants(options, "spelling")) {
         acceptNames(*options.spelling, store);

@@ -16,7 +16,7 @@
 namespace quillon {
 
 // Every kind, in the order a file's findings are listed.
-extern const char* const kFindingKinds[11];
+extern const char* const kFindingKinds[16];
 
 struct CheckOptions {
     CleanupSettings style;      // the clean-up the style findings compare with

@@ -1,0 +1,36 @@
+#pragma once
+// Topic hyperlinks as the game finds them in a text: explicit @…# links first, then implicit ones,
+// each topic name matched without regard to ASCII letter case at the start of the text or after
+// a line break, a blank, a tab, ' " ( or [, its end not checked ("Orcs" links "orc"); where
+// matches overlap, the longest wins (the earliest of equal ones) and those it overlaps are
+// dropped, run by run.
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quillon {
+
+struct TopicLink {
+    std::size_t at = 0, length = 0; // in the text, markers included for an explicit link
+    std::string topic;              // the topic's name as the list gives it (lower case for @…#)
+    bool explicitLink = false;
+};
+
+class TopicLinks {
+public:
+    // The topic names to look for (every DIAL of the load order, of every type).
+    explicit TopicLinks(std::vector<std::string> topics);
+    std::vector<TopicLink> find(std::string_view text) const;
+
+private:
+    std::vector<std::string> topics_, lowered_;
+    // The topics by their first three lowered bytes (fewer for shorter names).
+    std::unordered_map<std::string, std::vector<std::size_t>> byStart_;
+};
+
+// The text with each link marked as the game's editor marks them: @topic words#.
+std::string markedLinks(std::string_view text, const std::vector<TopicLink>& links);
+
+} // namespace quillon
