@@ -369,3 +369,38 @@ TEST(GameDialogue, TopicLinksFollowTheGamesKeywordRule) {
               (V{"lord vivec!@4", "Vivec@24"}));
     EXPECT_EQ(markedLinks("ask about work", TopicLinks({"work"}).find("ask about work")), "ask about @work#");
 }
+
+// A topic of the file no text links and no AddTopic adds is never learned; a longer topic that
+// swallows its mentions is said. The links command marks what the game links.
+TEST(GameDialogue, TopicsNoTextLinksAreNeverLearned) {
+    TempDir dir;
+    std::filesystem::create_directories(dir.file("data"));
+    Info greeting{"G", "", "I've got some work for you, and news of the mill."};
+    dir.write("data/Base.esm", file(0, {dial("Greeting 1", '\2'), greeting.bytes(), dial("some work")}));
+    Info work{"W", ""}, mill{"M", ""}, secret{"S", "", "Ask about the old mill."};
+    secret.subs = {{"BNAM", "AddTopic \"hidden door\""}};
+    std::string header =
+        Rec("TES3").sub("HEDR", hedr(0)).z("MAST", "Base.esm").sub("DATA", std::string(8, '\0')).bytes();
+    std::string plugin =
+        dir.write("p.esp", header + dial("work") + work.bytes() + dial("mill") + mill.bytes() +
+                               dial("secret") + secret.bytes() + dial("hidden door") + dial("never said"));
+    CliRun r = cli({"check", plugin, "--only", "link", "--data", dir.file("data")});
+    EXPECT_EQ(r.out, plugin +
+                         ": link: DIAL \"work\": no text links it (its 1 mention(s) are swallowed by longer "
+                         "topics) and no AddTopic adds it: the player never learns it\n" +
+                         plugin +
+                         ": link: DIAL \"secret\": no text mentions it and no AddTopic adds it: the player "
+                         "never learns it\n" +
+                         plugin +
+                         ": link: DIAL \"never said\": no text mentions it and no AddTopic adds it: the "
+                         "player never learns it\n")
+        << r.err;
+    // Without the master nothing is judged.
+    EXPECT_EQ(cli({"check", plugin, "--only", "link"}).out.find("link:"), std::string::npos);
+
+    CliRun links =
+        cli({"links", plugin, "--topic", "Greeting 1", "--response", "G", "--data", dir.file("data")});
+    EXPECT_EQ(links.status, 0) << links.err;
+    EXPECT_EQ(links.out, "I've got @some work# for you, and news of the @mill#.\n  some work\n  mill\n");
+    EXPECT_EQ(cli({"links", plugin, "--topic", "Greeting 1", "--response", "X"}).status, 1);
+}
