@@ -228,6 +228,21 @@ int whoSaysCommand(Context& c) {
     }
     Speaker speaker = findSpeaker(sources, actor);
     ResponseChoice choice = chooseResponse(*topic, speaker, situation);
+    // Refused on disposition alone: the game answers from "Info Refusal" instead.
+    const MergedTopic* answered = &*topic;
+    if (choice.refusedOnDisposition) {
+        auto refusal = std::find_if(topics.begin(), topics.end(), [](const MergedTopic& t) {
+            return equalsIgnoreCase(t.name, "Info Refusal");
+        });
+        if (refusal != topics.end()) {
+            ResponseChoice refused = chooseResponse(*refusal, speaker, situation);
+            if (refused.given) {
+                choice.given = refused.given;
+                choice.assumed.insert(choice.assumed.end(), refused.assumed.begin(), refused.assumed.end());
+                answered = &*refusal;
+            }
+        }
+    }
     if (!speaker.found)
         choice.assumed.insert(choice.assumed.begin(), "the actor is defined by none of the files read");
     if (c.args.has("--json")) {
@@ -238,16 +253,17 @@ int whoSaysCommand(Context& c) {
                         ", \"id\": " + jsonString(topic->responses[i].info->INAM) +
                         ", \"rejectedBy\": " + jsonUtf8(why) + "}";
         c.out << "{\"response\": "
-              << (choice.given ? responseJson(*topic, topic->responses[*choice.given], sources)
+              << (choice.given ? responseJson(*answered, answered->responses[*choice.given], sources)
                                : std::string("null"))
-              << ",\n \"rejected\": [" << rejected << "],\n \"assumed\": " << jsonList(choice.assumed)
-              << "}\n";
+              << ", \"refusal\": " << (answered != &*topic ? "true" : "false") << ",\n \"rejected\": ["
+              << rejected << "],\n \"assumed\": " << jsonList(choice.assumed) << "}\n";
         return choice.given ? 0 : 1;
     }
     if (choice.given) {
-        const MergedResponse& m = topic->responses[*choice.given];
+        const MergedResponse& m = answered->responses[*choice.given];
         c.out << terminalLine(toUtf8(speaker.id) + " says " + quotedUtf8(m.info->NAME) + " (" +
-                              responseLine(*topic, m, sources) + ")")
+                              (answered != &*topic ? "Info Refusal: " : "") +
+                              responseLine(*answered, m, sources) + ")")
               << "\n";
     } else {
         c.out << terminalLine(toUtf8(actor) + " says nothing on " + quotedUtf8(topic->name)) << "\n";

@@ -197,8 +197,13 @@ std::string inWords(const InfoRecord& r) {
 }
 
 // A slot that can never hold, or two that cannot hold together; empty when there is none.
-std::string contradiction(const Decoded& d) {
+// females holds the NPCs of the load order by ID, true for a female.
+std::string contradiction(const Decoded& d, const std::unordered_map<std::string, bool>& females) {
     const InfoRecord& r = *d.info;
+    if (int sex = signedByte(r.Gender); sex >= 0 && !r.ONAM.empty())
+        if (auto npc = females.find(foldedKey(r.ONAM)); npc != females.end() && npc->second != bool(sex))
+            return "ID " + toUtf8(r.ONAM) + " is " + (npc->second ? "female" : "male") + " and Sex " +
+                   (sex ? "Female" : "Male");
     std::map<std::string, Interval> allowed;
     for (const Condition& c : d.slots) {
         auto clash = [&](const std::string& set, const char* what) {
@@ -289,9 +294,13 @@ std::vector<DialogueFault> dialogueFaults(const std::vector<DialogueSource>& sou
     if (sources.empty()) return out;
     std::size_t own = sources.size() - 1;
     std::unordered_set<std::string> creatures;
-    for (const DialogueSource& s : sources)
+    std::unordered_map<std::string, bool> females;
+    for (const DialogueSource& s : sources) {
         for (const CreaRecord& c : s.store->CREA)
             creatures.insert(foldedKey(c.NAME));
+        for (const NpcRecord& n : s.store->NPC_)
+            females[foldedKey(n.NAME)] = n.FLAG[0] & 1;
+    }
     std::vector<OrderEvent> events;
     std::vector<MergedTopic> topics = mergeDialogue(sources, &events);
     for (const MergedTopic& t : topics) {
@@ -320,7 +329,7 @@ std::vector<DialogueFault> dialogueFaults(const std::vector<DialogueSource>& sou
         for (std::size_t i = 0; i < decoded.size(); ++i) {
             const Decoded& r = decoded[i];
             if (r.file != own) continue;
-            if (std::string why = contradiction(r); !why.empty())
+            if (std::string why = contradiction(r, females); !why.empty())
                 out.push_back({"never", r.info, t.name, "never shown: " + why});
             if (!orderKnown) continue;
             for (std::size_t e = 0; e < i; ++e)

@@ -179,8 +179,10 @@ ResponseChoice chooseResponse(const MergedTopic& topic, const Speaker& speaker, 
             out.given = i;
             break;
         }
+        out.refusedOnDisposition = out.refusedOnDisposition || why->rfind("Disposition", 0) == 0;
         out.rejected.emplace_back(i, std::move(*why));
     }
+    out.refusedOnDisposition = out.refusedOnDisposition && !out.given && topic.type == 0;
     out.assumed.assign(assumed.begin(), assumed.end());
     return out;
 }

@@ -39,6 +39,9 @@ struct ResponseChoice {
     std::optional<std::size_t> given;                          // the index of the response given
     std::vector<std::pair<std::size_t, std::string>> rejected; // each response above it, and why
     std::vector<std::string> assumed;                          // UTF-8
+    // None was given, and one failed on the speaker's disposition alone: the game then looks in
+    // "Info Refusal" (for a topic the player clicked).
+    bool refusedOnDisposition = false;
 };
 
 ResponseChoice chooseResponse(const MergedTopic& topic, const Speaker& speaker, const Situation& situation);

@@ -404,3 +404,29 @@ TEST(GameDialogue, TopicsNoTextLinksAreNeverLearned) {
     EXPECT_EQ(links.out, "I've got @some work# for you, and news of the @mill#.\n  some work\n  mill\n");
     EXPECT_EQ(cli({"links", plugin, "--topic", "Greeting 1", "--response", "X"}).status, 1);
 }
+
+// A sex filter against the speaker the ID names can never hold; a topic refused on disposition
+// alone is answered from Info Refusal.
+TEST(GameDialogue, SexAgainstTheSpeakerAndInfoRefusal) {
+    std::string stats(12, '\0');
+    stats[2] = 30; // disposition
+    std::string ann = Rec("NPC_").z("NAME", "ann").z("FNAM", "Ann").sub("NPDT", stats).i32("FLAG", 1).bytes();
+    Info male{"1", ""}, fond{"2", "1", "Dear friend."}, refusal{"R", "", "Go away."};
+    male.actor = "ann";
+    male.data = data(0, -1, 0);
+    fond.data = data(60);
+    std::string bytes =
+        file(0, {ann, dial("rumors")}) + male.bytes() + fond.bytes() + dial("Info Refusal") + refusal.bytes();
+    RecordStore store = readStore(bytes);
+    std::vector<std::string> never;
+    for (const DialogueFault& f : dialogueFaults({{"p.esp", &store}}, true))
+        never.push_back(std::string(f.kind) + ": " + f.detail);
+    EXPECT_EQ(never, std::vector<std::string>{"never: never shown: ID ann is female and Sex Male"});
+
+    TempDir dir;
+    std::string path = dir.write("p.esp", bytes);
+    CliRun r = cli({"who-says", path, "--topic", "rumors", "--actor", "ann"});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.substr(0, r.out.find('\n')), "ann says \"Go away.\" (Info Refusal: p.esp INFO R)");
+    EXPECT_NE(r.out.find("p.esp INFO 2: Disposition \u2265 60"), std::string::npos) << r.out;
+}

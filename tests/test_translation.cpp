@@ -119,17 +119,25 @@ TEST(Translation, OnePoCarriedIntoEveryPluginRepeatingTheText) {
 
 TEST(Translation, TheCheckNamesWhatATranslatorShouldLookAt) {
     TempDir dir;
-    std::string esp = dir.write("p.esp", plugin() + response("3", "ks_fenrick", "Old text."));
+    std::string esp = dir.write("p.esp", plugin() + response("3", "ks_fenrick", "Old text.") +
+                                             response("4", "ks_fenrick", "Belittle secrets, do not.") +
+                                             response("5", "ks_fenrick", "Little secrets!"));
     std::vector<PoEntry> po = {
         {{}, "DIAL little secret", "little secret", "kleines Geheimnis", false},
         {{}, "INFO 1", "Ask me about my little secret, %PCName.", "Frag mich, Fremder.", false},
         {{}, "INFO 2", "It stays a secret.", "\xe4\xb8\x80", false}, // a character no Western page has
         {{}, "INFO 3", "Older text.", "Alter Text.", false},
+        {{}, "INFO 4", "Belittle secrets, do not.", "Nicht.", false},
+        {{}, "INFO 5", "Little secrets!", "Ein Superkleines Geheimnis!", false},
     };
     CliRun r = cli({"check-translation", esp, dir.write("p.po", poText(po, "p"))});
     EXPECT_EQ(r.status, 1);
-    for (const char* line : {"placeholder: INFO 1", "hyperlink: INFO 1", "charset: INFO 2", "stale: INFO 3"})
+    // Links by the game's rule: none inside a word ("Belittle"), one at a word's start whatever
+    // follows ("Little secrets"), so a translated name inside a word links nothing.
+    for (const char* line : {"placeholder: INFO 1", "hyperlink: INFO 1", "charset: INFO 2", "stale: INFO 3",
+                             "hyperlink: INFO 5"})
         EXPECT_NE(r.out.find(line), std::string::npos) << line << "\n" << r.out;
+    EXPECT_EQ(r.out.find("hyperlink: INFO 4"), std::string::npos) << r.out;
 }
 
 TEST(Translation, AMangledPoFileIsNamedWithItsLine) {

@@ -3,6 +3,7 @@
 #include "app/encoding.h"
 #include "app/session.h"
 #include "app/text.h"
+#include "game/topic_links.h"
 #include "records/response_text.h"
 #include "script/script_reader.h"
 
@@ -45,23 +46,6 @@ std::multiset<std::string> placeholders(std::string_view text) {
         if (end > i + 1) out.insert(foldedKey(text.substr(i, end - i)));
     }
     return out;
-}
-
-// The words of a text, folded: runs of letters and digits (any byte beyond ASCII counts as a letter).
-std::vector<std::string> foldedWords(std::string_view text) {
-    std::vector<std::string> words;
-    for (std::size_t i = 0; i < text.size();) {
-        auto isWordByte = [](unsigned char c) { return std::isalnum(c) || c >= 0x80; };
-        if (!isWordByte(static_cast<unsigned char>(text[i]))) {
-            ++i;
-            continue;
-        }
-        std::size_t start = i;
-        while (i < text.size() && isWordByte(static_cast<unsigned char>(text[i])))
-            ++i;
-        words.push_back(foldedKey(text.substr(start, i - start)));
-    }
-    return words;
 }
 
 // The translated names of topics, by the folded name in the code page.
@@ -206,13 +190,15 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
             translated = d.NAME;
         topics.emplace_back(d.NAME, translated);
     }
-    // The topics by the first word of their name: a text is compared only with the topics whose
-    // first word it holds, not with every topic of the file.
-    std::unordered_map<std::string, std::vector<std::size_t>> byFirstWord;
+    // The links the game finds in a text and in its translation, by the same rule.
+    std::vector<std::string> names, translatedNames;
+    std::unordered_map<std::string, std::size_t> byName;
     for (std::size_t t = 0; t < topics.size(); ++t) {
-        std::vector<std::string> words = foldedWords(topics[t].first);
-        if (!words.empty()) byFirstWord[words.front()].push_back(t);
+        names.push_back(topics[t].first);
+        translatedNames.push_back(topics[t].second);
+        byName.emplace(foldedKey(topics[t].first), t);
     }
+    TopicLinks sourceLinks(names), translatedLinks(translatedNames);
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         auto found = byContext.find(infoContext(r));
@@ -237,14 +223,16 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
         if (bytes.size() > kMaxResponse)
             finding("long",
                     std::to_string(bytes.size()) + " characters, over " + std::to_string(kMaxResponse));
-        std::set<std::size_t> candidates;
-        for (const std::string& word : foldedWords(r.NAME))
-            if (auto found = byFirstWord.find(word); found != byFirstWord.end())
-                candidates.insert(found->second.begin(), found->second.end());
-        for (std::size_t t : candidates) {
-            const auto& [name, translated] = topics[t];
-            if (containsIgnoreCase(r.NAME, name) && !containsIgnoreCase(bytes, translated))
-                finding("hyperlink", "the topic \"" + name + "\" is named in the text but \"" + translated +
+        std::set<std::string> linkedThere;
+        for (const TopicLink& l : translatedLinks.find(bytes))
+            linkedThere.insert(foldedKey(l.topic));
+        std::set<std::size_t> reported;
+        for (const TopicLink& l : sourceLinks.find(r.NAME)) {
+            auto t = byName.find(foldedKey(l.topic));
+            if (t == byName.end() || !reported.insert(t->second).second) continue;
+            const auto& [name, translated] = topics[t->second];
+            if (!linkedThere.count(foldedKey(translated)))
+                finding("hyperlink", "the topic \"" + name + "\" is linked in the text but \"" + translated +
                                          "\" is not in the translation: the game shows no link");
         }
     }
