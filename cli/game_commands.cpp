@@ -21,8 +21,9 @@ std::vector<DialogueSource> sourcesOf(Context& c, bool withMasters) {
     std::vector<DialogueSource> sources;
     if (withMasters)
         for (const auto& m : sessionMasters(c.session).masters)
-            if (m->found()) sources.push_back({m->name, &m->store()});
-    sources.push_back({std::filesystem::path(c.args.positional[0]).filename().string(), &c.session.store});
+            if (m->found()) sources.push_back({m->name, &m->store(), m->path});
+    sources.push_back({std::filesystem::path(c.args.positional[0]).filename().string(), &c.session.store,
+                       c.args.positional[0]});
     return sources;
 }
 
@@ -190,10 +191,13 @@ int linksCommand(Context& c) {
     if (!openPath(c.session, c.dialogs, c.args.positional[0]).isDone()) return 1;
     std::vector<DialogueSource> sources = sourcesOf(c, true);
     std::vector<MergedTopic> topics = mergeDialogue(sources);
-    std::vector<std::string> names;
+    std::vector<std::string> names, paths;
     for (const MergedTopic& t : topics)
         names.push_back(t.name);
-    TopicLinks links(names);
+    for (const DialogueSource& s : sources)
+        paths.push_back(s.path);
+    LinkTables tables = readLinkTables(paths);
+    TopicLinks links(names, &tables);
     std::string topicName = codePage(c.args.value("--topic")), id = codePage(c.args.value("--response"));
     for (const MergedTopic& t : topics) {
         if (!equalsIgnoreCase(t.name, topicName)) continue;

@@ -7,6 +7,8 @@
 #include "cleanup/text_rules.h"
 #include "cli/commands.h"
 #include "dialogue/dialogue_commands.h"
+#include "game/dialogue_faults.h"
+#include "game/topic_links.h"
 #include "npclist/npc_list.h"
 #include "records/es_read.h"
 #include "script/script_check.h"
@@ -111,6 +113,10 @@ void read(const std::uint8_t* data, std::size_t size) {
     // Whatever was read, a repair writes a file that frames throughout.
     Serialised repaired = serialiseChecked(store, count, 0, answers, true);
     if (!repaired.damaged.empty() || !framesThroughout(repaired.bytes)) std::abort();
+    // The game's rules over whatever responses were read: every fault names one of them.
+    for (const DialogueFault& f : dialogueFaults({{"f", &store}}, true))
+        if (f.info && (f.info < store.INFO.data() || f.info >= store.INFO.data() + store.INFO.size()))
+            std::abort();
 }
 
 void importText(const std::uint8_t* data, std::size_t size) {
@@ -143,6 +149,8 @@ void texts(const std::uint8_t* data, std::size_t size) {
     std::string text = bytesOf(data, size), error;
     for (const PoEntry& e : readPo(text, error))
         if (e.context.size() + e.id.size() + e.translation.size() > 2 * size + 16) std::abort();
+    for (const TopicLink& l : TopicLinks({"a", "ab", "the dwemer", "dwemer language", "x"}).find(text))
+        if (l.at + l.length > text.size()) std::abort();
     MasterSummary summary;
     if (readMasterSummary(text, summary, error) && summary.records->DIAL.size() > size) std::abort();
     ScriptNames names;

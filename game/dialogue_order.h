@@ -16,6 +16,7 @@ namespace quillon {
 struct DialogueSource {
     std::string name;
     const RecordStore* store = nullptr;
+    std::string path = {}; // where it was read, for the link files beside it; empty when not known
 };
 
 struct MergedResponse {

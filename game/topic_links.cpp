@@ -1,6 +1,10 @@
 #include "game/topic_links.h"
 
+#include "records/source_bytes.h"
+
 #include <algorithm>
+#include <filesystem>
+#include <sstream>
 
 namespace quillon {
 
@@ -26,9 +30,35 @@ bool startsAWord(std::string_view text, std::size_t at) {
 
 } // namespace
 
-TopicLinks::TopicLinks(std::vector<std::string> topics) : topics_(std::move(topics)) {
+LinkTables readLinkTables(const std::vector<std::string>& contentPaths) {
+    LinkTables tables;
+    for (const std::string& content : contentPaths)
+        for (auto [extension, table] : {std::pair{".mrk", &tables.keywordOf}, {".top", &tables.topicOf}}) {
+            if (content.empty()) break;
+            std::string error;
+            std::filesystem::path path = std::filesystem::path(content).replace_extension(extension);
+            std::error_code ec;
+            if (!std::filesystem::is_regular_file(path, ec)) continue;
+            std::string text = loadFile(path.string(), error);
+            std::istringstream lines(text);
+            for (std::string line; std::getline(lines, line);) {
+                if (!line.empty() && line.back() == '\r') line.pop_back();
+                std::size_t tab = line.find('\t');
+                if (tab == std::string::npos || tab == 0 || tab + 1 == line.size()) continue;
+                table->try_emplace(lowered(std::string_view(line).substr(0, tab)), line.substr(tab + 1));
+            }
+        }
+    return tables;
+}
+
+TopicLinks::TopicLinks(std::vector<std::string> topics, const LinkTables* tables)
+    : tables_(tables), topics_(std::move(topics)) {
     for (std::size_t i = 0; i < topics_.size(); ++i) {
-        lowered_.push_back(lowered(topics_[i]));
+        std::string keyword = topics_[i];
+        if (tables_)
+            if (auto mark = tables_->keywordOf.find(lowered(keyword)); mark != tables_->keywordOf.end())
+                keyword = mark->second;
+        lowered_.push_back(lowered(keyword));
         if (!lowered_.back().empty()) byStart_[lowered_.back().substr(0, 3)].push_back(i);
     }
 }
@@ -42,7 +72,14 @@ std::vector<TopicLink> TopicLinks::find(std::string_view text) const {
         std::size_t close = text.find('#', at + 1);
         if (close == std::string_view::npos) break; // an @ without a later # is plain text
         plain.emplace_back(from, at);
-        out.push_back({at, close + 1 - at, lowered(text.substr(at + 1, close - at - 1)), true});
+        // Trailing 0x7F bytes are not shown; in the .top lookup each stands for *.
+        std::string form = lowered(text.substr(at + 1, close - at - 1));
+        std::replace(form.begin(), form.end(), '\x7f', '*');
+        std::string topic = form;
+        if (tables_)
+            if (auto entry = tables_->topicOf.find(form); entry != tables_->topicOf.end())
+                topic = entry->second;
+        out.push_back({at, close + 1 - at, topic, true});
         from = close + 1;
         at = close;
     }

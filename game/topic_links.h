@@ -5,6 +5,7 @@
 // matches overlap, the longest wins (the earliest of equal ones) and those it overlaps are
 // dropped, run by run.
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,14 +19,27 @@ struct TopicLink {
     bool explicitLink = false;
 };
 
+// A localized edition's link files beside a content file (name.top, name.mrk): one entry a line,
+// key TAB value, in the code page; a line without a tab or with an empty key or value is passed
+// over; the first entry of a key wins.
+struct LinkTables {
+    std::unordered_map<std::string, std::string>
+        keywordOf; // .mrk: topic (lowered) -> the keyword looked for instead
+    std::unordered_map<std::string, std::string> topicOf; // .top: a word form (lowered) -> its topic
+};
+// The tables beside each of these content files, in load order; files that are not there add nothing.
+LinkTables readLinkTables(const std::vector<std::string>& contentPaths);
+
 class TopicLinks {
 public:
-    // The topic names to look for (every DIAL of the load order, of every type).
-    explicit TopicLinks(std::vector<std::string> topics);
+    // The topic names to look for (every DIAL of the load order, of every type), each by its
+    // .mrk keyword where tables give one.
+    explicit TopicLinks(std::vector<std::string> topics, const LinkTables* tables = nullptr);
     std::vector<TopicLink> find(std::string_view text) const;
 
 private:
-    std::vector<std::string> topics_, lowered_;
+    const LinkTables* tables_;
+    std::vector<std::string> topics_, lowered_; // lowered_: the keyword looked for
     // The topics by their first three lowered bytes (fewer for shorter names).
     std::unordered_map<std::string, std::vector<std::size_t>> byStart_;
 };

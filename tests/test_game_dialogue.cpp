@@ -430,3 +430,20 @@ TEST(GameDialogue, SexAgainstTheSpeakerAndInfoRefusal) {
     EXPECT_EQ(r.out.substr(0, r.out.find('\n')), "ann says \"Go away.\" (Info Refusal: p.esp INFO R)");
     EXPECT_NE(r.out.find("p.esp INFO 2: Disposition \u2265 60"), std::string::npos) << r.out;
 }
+
+// A localized master's link files: .mrk gives the keyword a topic is found by in plain text,
+// .top the topic an explicit link's word form stands for.
+TEST(GameDialogue, LinkFilesBesideAMasterChangeWhatLinks) {
+    TempDir dir;
+    std::filesystem::create_directories(dir.file("data"));
+    Info said{"S", "", "He was slain. @Killed# him, they say. Kill!"};
+    dir.write("data/Base.esm", file(0, {dial("kill"), said.bytes()}));
+    dir.write("data/Base.mrk", "kill\tslain\r\nbroken line\n\tempty key\nkill\tsecond\n");
+    dir.write("data/Base.top", "killed\tkill\n");
+    std::string header =
+        Rec("TES3").sub("HEDR", hedr(0)).z("MAST", "Base.esm").sub("DATA", std::string(8, '\0')).bytes();
+    std::string plugin = dir.write("p.esp", header);
+    CliRun r = cli({"links", plugin, "--topic", "kill", "--response", "S", "--data", dir.file("data")});
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "He was @slain#. @Killed# him, they say. Kill!\n  kill\n  kill (explicit)\n");
+}

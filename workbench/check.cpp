@@ -145,7 +145,7 @@ void checkGameRules(const RecordStore& store, const CheckOptions& options, std::
     bool known = !hasMasters || options.masters;
     if (options.masters)
         for (const auto& m : options.masters->masters) {
-            if (m->found() && !m->summarised) sources.push_back({m->name, &m->store()});
+            if (m->found() && !m->summarised) sources.push_back({m->name, &m->store(), m->path});
             known = known && m->found() && !m->summarised;
         }
     sources.push_back({"this file", &store});
