@@ -7,6 +7,7 @@
 #include "script/script_reader.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <map>
 #include <optional>
@@ -237,6 +238,16 @@ std::string contradiction(const Decoded& d, const std::unordered_map<std::string
     return {};
 }
 
+// The answers the Choice commands of a script offer.
+void choicesOffered(std::string_view script, std::set<long>& out) {
+    forEachStatement(script.substr(0, script.find('\0')), [&](const ScriptStatement& s) {
+        if (s.head.kind != ScriptToken::Name || !sameName(s.head.text, "choice")) return;
+        for (const ScriptToken& a : s.arguments)
+            if (a.kind == ScriptToken::Number)
+                out.insert(std::strtol(std::string(a.text).c_str(), nullptr, 10));
+    });
+}
+
 // The topics AddTopic names in a script, folded.
 void addedTopics(std::string_view script, std::unordered_set<std::string>& out) {
     forEachStatement(script.substr(0, script.find('\0')), [&](const ScriptStatement& s) {
@@ -329,12 +340,26 @@ std::vector<DialogueFault> dialogueFaults(const std::vector<DialogueSource>& sou
             }
             continue;
         }
+        // The answers the topic's own Choice commands offer: a response shown on another is
+        // never shown, since picking an answer searches the same topic again.
+        bool answered = (t.type == 0 || t.type == 2) && !equalsIgnoreCase(t.name, "Service Refusal");
+        std::set<long> offered;
+        if (answered)
+            for (const Decoded& d : decoded)
+                choicesOffered(d.info->BNAM, offered);
         for (std::size_t i = 0; i < decoded.size(); ++i) {
             const Decoded& r = decoded[i];
             if (r.file != own) continue;
             if (std::string why = contradiction(r, females); !why.empty())
                 out.push_back({"never", r.info, t.name, "never shown: " + why});
             if (!orderKnown) continue;
+            for (const Condition& c : r.slots)
+                if (answered && c.type == SlotType::Function && c.function == 50 &&
+                    c.comparison == Comparison::Equal && !offered.count(long(c.value)))
+                    out.push_back({"never", r.info, t.name,
+                                   "never shown: " + describe(c) +
+                                       ", but no response of the topic offers choice " +
+                                       std::to_string(long(c.value))});
             for (std::size_t e = 0; e < i; ++e)
                 if (preEmpts(decoded[e], r)) {
                     out.push_back({"shadowed", r.info, t.name,

@@ -447,3 +447,18 @@ TEST(GameDialogue, LinkFilesBesideAMasterChangeWhatLinks) {
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "He was @slain#. @Killed# him, they say. Kill!\n  kill\n  kill (explicit)\n");
 }
+
+// An answer no Choice command of its topic offers is never shown; one offered is.
+TEST(GameDialogue, AnswersNoChoiceOffersAreNeverShown) {
+    Info ask{"A", "", "Well?"}, yes{"Y", "A", "Yes then."}, lost{"L", "Y", "Lost."};
+    ask.actor = "ann";
+    ask.subs = {{"BNAM", "Choice \"Yes\" 1 \"No\" 2"}};
+    yes.subs = {{"SCVR", scvr('0', '1', "50", '0')}, {"INTV", le32(1)}};
+    lost.subs = {{"SCVR", scvr('0', '1', "50", '0')}, {"INTV", le32(3)}};
+    RecordStore store = readStore(topicFile({ask, yes, lost}));
+    std::vector<std::string> found;
+    for (const DialogueFault& f : dialogueFaults({{"p.esp", &store}}, true))
+        found.push_back(f.info->INAM + ": " + f.detail);
+    EXPECT_EQ(found, std::vector<std::string>{
+                         "L: never shown: Choice = 3, but no response of the topic offers choice 3"});
+}
