@@ -191,13 +191,7 @@ int linksCommand(Context& c) {
     if (!openPath(c.session, c.dialogs, c.args.positional[0]).isDone()) return 1;
     std::vector<DialogueSource> sources = sourcesOf(c, true);
     std::vector<MergedTopic> topics = mergeDialogue(sources);
-    std::vector<std::string> names, paths;
-    for (const MergedTopic& t : topics)
-        names.push_back(t.name);
-    for (const DialogueSource& s : sources)
-        paths.push_back(s.path);
-    LinkTables tables = readLinkTables(paths);
-    TopicLinks links(names, &tables);
+    TopicLinks links = loadOrderLinks(sources, topics);
     std::string topicName = codePage(c.args.value("--topic")), id = codePage(c.args.value("--response"));
     for (const MergedTopic& t : topics) {
         if (!equalsIgnoreCase(t.name, topicName)) continue;

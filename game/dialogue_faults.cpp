@@ -259,13 +259,7 @@ void addedTopics(std::string_view script, std::unordered_set<std::string>& out) 
 // The last source's topics (of type Topic) that no text links and no script adds.
 void unlearnable(const std::vector<DialogueSource>& sources, const std::vector<MergedTopic>& topics,
                  std::vector<DialogueFault>& out) {
-    std::vector<std::string> names, paths;
-    for (const MergedTopic& t : topics)
-        names.push_back(t.name);
-    for (const DialogueSource& s : sources)
-        paths.push_back(s.path);
-    LinkTables tables = readLinkTables(paths);
-    TopicLinks links(names, &tables);
+    TopicLinks links = loadOrderLinks(sources, topics);
     std::unordered_set<std::string> learnt;
     std::vector<std::string_view> texts;
     for (const MergedTopic& t : topics)

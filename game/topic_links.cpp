@@ -51,13 +51,12 @@ LinkTables readLinkTables(const std::vector<std::string>& contentPaths) {
     return tables;
 }
 
-TopicLinks::TopicLinks(std::vector<std::string> topics, const LinkTables* tables)
-    : tables_(tables), topics_(std::move(topics)) {
+TopicLinks::TopicLinks(std::vector<std::string> topics, LinkTables tables)
+    : tables_(std::move(tables)), topics_(std::move(topics)) {
     for (std::size_t i = 0; i < topics_.size(); ++i) {
         std::string keyword = topics_[i];
-        if (tables_)
-            if (auto mark = tables_->keywordOf.find(lowered(keyword)); mark != tables_->keywordOf.end())
-                keyword = mark->second;
+        if (auto mark = tables_.keywordOf.find(lowered(keyword)); mark != tables_.keywordOf.end())
+            keyword = mark->second;
         lowered_.push_back(lowered(keyword));
         if (!lowered_.back().empty()) byStart_[lowered_.back().substr(0, 3)].push_back(i);
     }
@@ -76,9 +75,7 @@ std::vector<TopicLink> TopicLinks::find(std::string_view text) const {
         std::string form = lowered(text.substr(at + 1, close - at - 1));
         std::replace(form.begin(), form.end(), '\x7f', '*');
         std::string topic = form;
-        if (tables_)
-            if (auto entry = tables_->topicOf.find(form); entry != tables_->topicOf.end())
-                topic = entry->second;
+        if (auto entry = tables_.topicOf.find(form); entry != tables_.topicOf.end()) topic = entry->second;
         out.push_back({at, close + 1 - at, topic, true});
         from = close + 1;
         at = close;
@@ -127,6 +124,16 @@ std::vector<TopicLink> TopicLinks::find(std::string_view text) const {
     }
     std::sort(out.begin(), out.end(), [](const TopicLink& a, const TopicLink& b) { return a.at < b.at; });
     return out;
+}
+
+TopicLinks loadOrderLinks(const std::vector<DialogueSource>& sources,
+                          const std::vector<MergedTopic>& topics) {
+    std::vector<std::string> names, paths;
+    for (const MergedTopic& t : topics)
+        names.push_back(t.name);
+    for (const DialogueSource& s : sources)
+        paths.push_back(s.path);
+    return TopicLinks(std::move(names), readLinkTables(paths));
 }
 
 std::string markedLinks(std::string_view text, const std::vector<TopicLink>& links) {

@@ -4,6 +4,8 @@
 // a line break, a blank, a tab, ' " ( or [, its end not checked ("Orcs" links "orc"); where
 // matches overlap, the longest wins (the earliest of equal ones) and those it overlaps are
 // dropped, run by run.
+#include "game/dialogue_order.h"
+
 #include <cstddef>
 #include <map>
 #include <string>
@@ -34,15 +36,18 @@ class TopicLinks {
 public:
     // The topic names to look for (every DIAL of the load order, of every type), each by its
     // .mrk keyword where tables give one.
-    explicit TopicLinks(std::vector<std::string> topics, const LinkTables* tables = nullptr);
+    explicit TopicLinks(std::vector<std::string> topics, LinkTables tables = {});
     std::vector<TopicLink> find(std::string_view text) const;
 
 private:
-    const LinkTables* tables_;
+    LinkTables tables_;
     std::vector<std::string> topics_, lowered_; // lowered_: the keyword looked for
     // The topics by their first three lowered bytes (fewer for shorter names).
     std::unordered_map<std::string, std::vector<std::size_t>> byStart_;
 };
+
+// The links of a load order: the names of its merged topics, with the link files beside its files.
+TopicLinks loadOrderLinks(const std::vector<DialogueSource>& sources, const std::vector<MergedTopic>& topics);
 
 // The text with each link marked as the game's editor marks them: @topic words#.
 std::string markedLinks(std::string_view text, const std::vector<TopicLink>& links);
