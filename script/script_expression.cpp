@@ -47,6 +47,16 @@ private:
     void operand() {
         if (done_) return;
         if (at_ == tokens_.size()) return fail("an operand is missing");
+        // Parentheses and signs nest by recursion: a hostile line of a million "(" must end in a
+        // finding, not in the end of the stack.
+        if (depth_ == kDeepest)
+            return fail("the expression nests more than " + std::to_string(kDeepest) + " deep");
+        ++depth_;
+        nestedOperand();
+        --depth_;
+    }
+
+    void nestedOperand() {
         const ScriptToken& t = tokens_[at_];
         if (isSymbol(t, "-")) {
             ++at_;
@@ -150,9 +160,11 @@ private:
         host_.problem(std::move(reason));
     }
 
+    static constexpr std::size_t kDeepest = 256;
+
     std::span<const ScriptToken> tokens_;
     ExpressionHost& host_;
-    std::size_t at_ = 0;
+    std::size_t at_ = 0, depth_ = 0;
     bool done_ = false;
 };
 

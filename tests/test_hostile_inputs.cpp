@@ -226,3 +226,16 @@ TEST(HostileScripts, ProblemsOfOneScriptAndWordListsStayBounded) {
     EXPECT_EQ(huge.status, 2);
     EXPECT_NE(huge.err.find("is larger than 4 MB"), std::string::npos) << huge.err;
 }
+
+// A condition nested deeper than any stack is a finding, not the end of the program.
+TEST(HostileScripts, ExpressionsNestedBeyondAnyStackEndInAFinding) {
+    TempDir dir;
+    std::string deep =
+        "if " + std::string(1 << 20, '(') + "\r\nendif\r\nset x to " + std::string(1 << 20, '-') + "1";
+    CliRun r =
+        cli({"check", dir.write("p.esp", oneTopic({response("1", "a", "Hi.", deep)})), "--only", "script"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.out.find("line 1: the expression nests more than 256 deep"), std::string::npos)
+        << r.out.substr(0, 500);
+    EXPECT_NE(r.out.find("line 3: the expression nests more than 256 deep"), std::string::npos);
+}
