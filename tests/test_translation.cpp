@@ -152,3 +152,45 @@ TEST(Translation, AMangledPoFileIsNamedWithItsLine) {
     EXPECT_TRUE(kept[0].fuzzy);
     EXPECT_EQ(kept[0].id, "x\"yz");
 }
+
+// What would garble or merge a plugin is refused whole: a PO in another character set, two topics
+// translated to one name (or a topic to another's name); and the check names every text the PO lacks.
+TEST(Translation, NothingGarbledNothingMerged) {
+    TempDir dir;
+    std::string esp =
+        dir.write("p.esp", plugin() + topic("old secret") + response("3", "ks_fenrick", "New words."));
+    std::string header = "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=KOI8-R\\n\"\n\n";
+    std::string koi =
+        dir.write("koi.po", header + "msgctxt \"INFO 1\"\nmsgid \"Ask me about my little secret, "
+                                     "%PCName.\"\nmsgstr \"\xf0\xd2\xc9\xd7\xc5\xd4\"\n");
+    CliRun garbled = cli({"translate", esp, koi, "-o", dir.file("out.esp")});
+    EXPECT_EQ(garbled.status, 1);
+    EXPECT_NE(garbled.err.find("gives the character set KOI8-R; only UTF-8 is read"), std::string::npos)
+        << garbled.err;
+    EXPECT_FALSE(std::filesystem::exists(dir.file("out.esp")));
+
+    std::vector<PoEntry> po = {
+        {{}, "DIAL little secret", "little secret", "Geheimnis", false},
+        {{}, "DIAL old secret", "old secret", "geheimnis", false},
+    };
+    CliRun merged = cli({"translate", esp, dir.write("m.po", poText(po, "p")), "-o", dir.file("out.esp")});
+    EXPECT_EQ(merged.status, 1);
+    EXPECT_NE(
+        merged.err.find("\"little secret\" and \"old secret\" would both be named \"geheimnis\" (msgctxt "
+                        "\"DIAL little secret\" and \"DIAL old secret\")"),
+        std::string::npos)
+        << merged.err;
+    EXPECT_FALSE(std::filesystem::exists(dir.file("out.esp")));
+
+    // The template's entries without INFO 3, added since: named, though the PO has no word of it.
+    std::vector<PoEntry> older = {{{}, "INFO 1", "Ask me about my little secret, %PCName.", "Frag.", false}};
+    CliRun check = cli({"check-translation", esp, dir.write("o.po", poText(older, "p"))});
+    EXPECT_NE(
+        check.out.find("untranslated: INFO 3 (topic \"old secret\", actor \"ks_fenrick\"): the PO has no "
+                       "entry for it"),
+        std::string::npos)
+        << check.out;
+    CliRun empty = cli({"check-translation", esp, dir.write("e.po", poText({}, "p"))});
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_EQ(std::count(empty.out.begin(), empty.out.end(), '\n'), 3) << empty.out;
+}

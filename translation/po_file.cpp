@@ -1,6 +1,7 @@
 #include "translation/po_file.h"
 
 #include "app/encoding.h"
+#include "app/text.h"
 
 #include <sstream>
 
@@ -67,6 +68,15 @@ std::string_view trimmed(std::string_view s) {
     return s;
 }
 
+// The charset= of a PO header's Content-Type line; empty when it gives none.
+std::string charsetOf(std::string_view header) {
+    std::size_t at = header.find("charset=");
+    if (at == std::string_view::npos) return {};
+    at += 8;
+    std::size_t end = header.find_first_of(" \t\n;", at);
+    return std::string(header.substr(at, end == std::string_view::npos ? std::string_view::npos : end - at));
+}
+
 } // namespace
 
 std::string poText(const std::vector<PoEntry>& entries, const std::string& project) {
@@ -95,9 +105,12 @@ std::vector<PoEntry> readPo(std::string_view text, std::string& error) {
     std::string* into = nullptr; // the field continuation lines add to
     std::string ignored;
     bool started = false, obsolete = false, plural = false;
+    std::string charset;
     auto finish = [&] {
         if (started && !obsolete && !plural && !(entry.id.empty() && entry.context.empty()))
             entries.push_back(std::move(entry));
+        else if (started && !obsolete && entry.id.empty() && entry.context.empty())
+            charset = charsetOf(entry.translation);
         entry = PoEntry();
         into = nullptr;
         started = obsolete = plural = false;
@@ -159,6 +172,13 @@ std::vector<PoEntry> readPo(std::string_view text, std::string& error) {
             return fail("the text after " + std::string(keyword) + " is not a quoted string");
     }
     finish();
+    // Texts are taken as UTF-8: a PO in another character set would be applied as mojibake.
+    if (!charset.empty() && !equalsIgnoreCase(charset, "UTF-8") && !equalsIgnoreCase(charset, "UTF8") &&
+        !equalsIgnoreCase(charset, "ASCII") && !equalsIgnoreCase(charset, "CHARSET")) {
+        error = "its header gives the character set " + charset.substr(0, 40) +
+                "; only UTF-8 is read (convert it first: msgconv -t UTF-8 IN.po -o OUT.po)";
+        return {};
+    }
     return entries;
 }
 

@@ -143,7 +143,18 @@ void applyTranslation(RecordStore& store, const std::vector<PoEntry>& po, Transl
         }
         if (from != to) renames.emplace(foldedKey(from), to);
     }
-    if (!report.refused.empty()) return;
+    // Two topics of one name would be two DIALs the game takes for one: refused, naming both.
+    std::unordered_map<std::string, std::string> nameOf; // folded name after translation -> topic
+    for (const DialRecord& d : store.DIAL) {
+        auto renamed = renames.find(foldedKey(d.NAME));
+        std::string after = renamed == renames.end() ? d.NAME : renamed->second;
+        auto [at, fresh] = nameOf.try_emplace(foldedKey(after), d.NAME);
+        if (!fresh && foldedKey(at->second) != foldedKey(d.NAME))
+            report.clashes.push_back("\"" + toUtf8(at->second) + "\" and \"" + toUtf8(d.NAME) +
+                                     "\" would both be named \"" + toUtf8(after) + "\" (msgctxt \"" +
+                                     topicContext(at->second) + "\" and \"" + topicContext(d.NAME) + "\")");
+    }
+    if (!report.refused.empty() || !report.clashes.empty()) return;
 
     for (auto& [r, bytes] : texts) {
         setResponseText(*r, std::move(bytes));
@@ -202,7 +213,12 @@ std::vector<Finding> checkTranslation(const RecordStore& store, const std::vecto
     for (std::size_t i = 0; i < store.INFO.size(); ++i) {
         const InfoRecord& r = store.INFO[i];
         auto found = byContext.find(infoContext(r));
-        if (found == byContext.end()) continue;
+        if (found == byContext.end()) {
+            // A text added since the template was made: the translator has not seen it.
+            if (!r.NAME.empty() && !r.Dele)
+                out.push_back(aboutResponse(store.INFO, i, "untranslated", "the PO has no entry for it"));
+            continue;
+        }
         const PoEntry& e = *found->second;
         auto finding = [&](const char* kind, std::string detail) {
             out.push_back(aboutResponse(store.INFO, i, kind, std::move(detail)));

@@ -98,6 +98,16 @@ Outcome applyPo(Session& session, Dialogs& dialogs, const std::vector<PoEntry>& 
             Icon::Critical);
         return Outcome::failed("a translation holds a character the code page lacks");
     }
+    if (!report.clashes.empty()) {
+        std::string list;
+        for (std::size_t i = 0; i < report.clashes.size() && i < 10; ++i)
+            list += "\n" + report.clashes[i];
+        dialogs.tell("Two topics would share one name, which the game takes for one topic; nothing has been "
+                     "applied. Give each topic its own translation." +
+                         list,
+                     Icon::Critical);
+        return Outcome::failed("two topics would share one name");
+    }
     if (report.applied != 0 || report.topicsRenamed != 0 || report.callsRenamed != 0) session.modified = true;
     session.log.LogLine("-Applied " + std::to_string(report.applied) + " translations from \"" + poName +
                         "\" to \"" + bareName(session.recordsPath) + "\"; " +
