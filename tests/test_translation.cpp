@@ -194,3 +194,44 @@ TEST(Translation, NothingGarbledNothingMerged) {
     EXPECT_EQ(empty.status, 1);
     EXPECT_EQ(std::count(empty.out.begin(), empty.out.end(), '\n'), 3) << empty.out;
 }
+
+// Names the player reads and books are offered with a msgctxt naming record and field, and
+// applied with their sizes; a sound's file name is no name to translate.
+TEST(Translation, ObjectNamesAndBooksAreTranslatedToo) {
+    TempDir dir;
+    std::string book = Rec("BOOK")
+                           .z("NAME", "bk_note")
+                           .z("MODL", "m.nif")
+                           .z("FNAM", "A Note")
+                           .sub("BKDT", std::string(20, '\0'))
+                           .sub("TEXT", std::string("Meet me at dusk.\0", 17))
+                           .bytes();
+    std::string esp = dir.write(
+        "p.esp",
+        file(
+            0,
+            {Rec("WEAP").z("NAME", "dagger_x").z("MODL", "w.nif").z("FNAM", "Iron Dagger").bytes(),
+             Rec("SOUN").z("NAME", "snd").z("FNAM", "fx\\boom.wav").sub("DATA", std::string(3, '\0')).bytes(),
+             book}));
+    ASSERT_EQ(cli({"translate-template", esp, "-o", dir.file("p.pot")}).status, 0);
+    std::string pot = readAll(dir.file("p.pot"));
+    EXPECT_NE(pot.find("msgctxt \"WEAP dagger_x FNAM\"\nmsgid \"Iron Dagger\""), std::string::npos) << pot;
+    EXPECT_NE(pot.find("msgctxt \"BOOK bk_note TEXT\"\nmsgid \"Meet me at dusk.\""), std::string::npos)
+        << pot;
+    EXPECT_EQ(pot.find("boom"), std::string::npos);
+    std::string po = dir.write("p.po", translated(pot, [](const PoEntry& e) {
+                                   return e.context == "WEAP dagger_x FNAM" ? std::string("Eisendolch")
+                                          : e.context == "BOOK bk_note TEXT"
+                                              ? std::string("Triff mich bei Dämmerung.")
+                                              : std::string();
+                               }));
+    CliRun r = cli({"translate", esp, po, "-o", dir.file("de.esp")});
+    ASSERT_EQ(r.status, 0) << r.err;
+    RecordStore de = readStore(readAll(dir.file("de.esp")));
+    ASSERT_EQ(de.WEAP.size(), 1u);
+    EXPECT_EQ(de.WEAP[0].FNAM, "Eisendolch");
+    EXPECT_EQ(de.BOOK.at(0).TEXT, std::string("Triff mich bei D\xe4mmerung.\0", 26));
+    // What was written frames throughout: it saves again unchanged.
+    EXPECT_EQ(cli({"save", dir.file("de.esp"), "-o", dir.file("again.esp")}).status, 0);
+    EXPECT_EQ(readAll(dir.file("again.esp")), readAll(dir.file("de.esp")));
+}

@@ -4,10 +4,12 @@
 #include "app/session.h"
 #include "app/text.h"
 #include "game/topic_links.h"
+#include "records/record_types.h"
 #include "records/response_text.h"
 #include "script/script_reader.h"
 
 #include <cctype>
+#include <functional>
 #include <set>
 #include <unordered_map>
 
@@ -74,6 +76,72 @@ std::string renamedCalls(std::string_view script, const Renames& renames, int& c
     return out;
 }
 
+// The records whose FNAM is a name the player reads (a sound's is a file, a body part's a race,
+// a response's a faction).
+bool showsItsName(std::string_view tag) {
+    return tag != "INFO" && tag != "SOUN" && tag != "BODY";
+}
+
+std::string nameContext(std::string_view tag, const std::string& id) {
+    return std::string(tag) + " " + toUtf8(id) + " FNAM";
+}
+
+std::string bookContext(const std::string& id) {
+    return "BOOK " + toUtf8(id) + " TEXT";
+}
+
+// A book's text as the reader sees it: without the NULs the editor ends it with.
+std::string_view shownText(std::string_view text) {
+    return text.substr(0, text.find_last_not_of('\0') + 1);
+}
+
+template <class R, class Add>
+void offerNames(std::string_view tag, const std::vector<R>& records, const Add& add,
+                const std::string& file) {
+    if constexpr (requires(const R& r) {
+                      std::string_view(r.FNAM);
+                      std::string_view(r.NAME);
+                  }) {
+        if (!showsItsName(tag)) return;
+        for (const R& r : records)
+            if (!r.FNAM.empty() && !r.Dele)
+                add({{"name, " + file}, nameContext(tag, r.NAME), toUtf8(r.FNAM), {}, false});
+    }
+}
+
+template <class R>
+void translateNames(std::string_view tag, std::vector<R>& records,
+                    const std::unordered_map<std::string, const PoEntry*>& byContext,
+                    TranslationReport& report, std::vector<std::function<void()>>& changes) {
+    if constexpr (requires(R & r) {
+                      std::string_view(r.FNAM);
+                      std::string_view(r.NAME);
+                      r.FNAMSize;
+                  }) {
+        if (!showsItsName(tag)) return;
+        for (R& r : records) {
+            if (r.FNAM.empty()) continue;
+            auto found = byContext.find(nameContext(tag, r.NAME));
+            if (found == byContext.end()) continue;
+            if (found->second->id != toUtf8(r.FNAM)) {
+                report.stale.push_back(found->second->context);
+                continue;
+            }
+            std::string bytes;
+            if (!codePageBytes(found->second->translation, bytes)) {
+                report.refused.push_back(found->second->context);
+                continue;
+            }
+            if (bytes == r.FNAM) continue;
+            changes.push_back([&r, bytes, &report] {
+                grow(r, r.FNAMSize, std::int64_t(bytes.size()) - std::int64_t(r.FNAM.size()));
+                r.FNAM = bytes;
+                ++report.applied;
+            });
+        }
+    }
+}
+
 } // namespace
 
 void addTemplateEntries(const RecordStore& store, const std::string& file, std::vector<PoEntry>& entries) {
@@ -92,6 +160,13 @@ void addTemplateEntries(const RecordStore& store, const std::string& file, std::
     for (const DialRecord& d : store.DIAL)
         if (d.DATA == 0 && !d.NAME.empty())
             add({{"topic name, " + file}, topicContext(d.NAME), toUtf8(d.NAME), {}, false});
+#define QUILLON_OFFER_NAMES(tag, Structure, reader, writer, label, family)                                   \
+    offerNames(#tag, store.tag, add, file);
+    QUILLON_RECORD_TYPES(QUILLON_OFFER_NAMES)
+#undef QUILLON_OFFER_NAMES
+    for (const BookRecord& b : store.BOOK)
+        if (!shownText(b.TEXT).empty() && !b.Dele)
+            add({{"book text, " + file}, bookContext(b.NAME), toUtf8(shownText(b.TEXT)), {}, false});
     for (const InfoRecord& r : store.INFO) {
         if (r.NAME.empty()) continue;
         PoEntry e;
@@ -154,7 +229,31 @@ void applyTranslation(RecordStore& store, const std::vector<PoEntry>& po, Transl
                                      "\" would both be named \"" + toUtf8(after) + "\" (msgctxt \"" +
                                      topicContext(at->second) + "\" and \"" + topicContext(d.NAME) + "\")");
     }
+    // Names and books, worked out as the texts are.
+    std::vector<std::function<void()>> changes;
+#define QUILLON_TRANSLATE_NAMES(tag, Structure, reader, writer, label, family)                               \
+    translateNames(#tag, store.tag, byContext, report, changes);
+    QUILLON_RECORD_TYPES(QUILLON_TRANSLATE_NAMES)
+#undef QUILLON_TRANSLATE_NAMES
+    for (BookRecord& b : store.BOOK) {
+        auto found = byContext.find(bookContext(b.NAME));
+        if (found == byContext.end() || b.TEXT.empty()) continue;
+        std::string bytes;
+        std::string_view shown = shownText(b.TEXT);
+        if (found->second->id != toUtf8(shown))
+            report.stale.push_back(found->second->context);
+        else if (!codePageBytes(found->second->translation, bytes))
+            report.refused.push_back(found->second->context);
+        else if ((bytes += b.TEXT.substr(shown.size())) != b.TEXT) // the ending NULs kept
+            changes.push_back([&b, bytes, &store, &report] {
+                grow(b, b.TEXTSize, std::int64_t(bytes.size()) - std::int64_t(b.TEXT.size()));
+                b.TEXT = store.editedTexts.emplace_back(bytes);
+                ++report.applied;
+            });
+    }
     if (!report.refused.empty() || !report.clashes.empty()) return;
+    for (const auto& change : changes)
+        change();
 
     for (auto& [r, bytes] : texts) {
         setResponseText(*r, std::move(bytes));
