@@ -120,10 +120,6 @@ Decoded decode(const MergedResponse& m, const std::unordered_set<std::string>& c
     return d;
 }
 
-bool sameText(const std::string& a, const std::string& b) {
-    return equalsIgnoreCase(a, b);
-}
-
 // True when e's slot holds whenever the slots of r all hold.
 bool implied(const Condition& slot, const Decoded& r) {
     const InfoRecord& ri = *r.info;
@@ -176,9 +172,9 @@ bool preEmpts(const Decoded& e, const Decoded& r) {
     int eSex = signedByte(ei.Gender), rSex = signedByte(ri.Gender);
     if (eSex >= 0 && eSex != rSex) return false;
     int eRank = signedByte(ei.Rank), rRank = signedByte(ri.Rank);
-    if (eRank >= 0 && (rRank < eRank || !sameText(ei.FNAM, ri.FNAM))) return false;
+    if (eRank >= 0 && (rRank < eRank || !equalsIgnoreCase(ei.FNAM, ri.FNAM))) return false;
     int ePc = signedByte(ei.PCRank), rPc = signedByte(ri.PCRank);
-    if (ePc >= 0 && (rPc < ePc || !sameText(ei.DNAM, ri.DNAM))) return false;
+    if (ePc >= 0 && (rPc < ePc || !equalsIgnoreCase(ei.DNAM, ri.DNAM))) return false;
     if (ei.Disposition > ri.Disposition) return false;
     return std::all_of(e.slots.begin(), e.slots.end(),
                        [&](const Condition& slot) { return implied(slot, r); });
